@@ -1,0 +1,150 @@
+#include "ActionGateway.h"
+
+#include <App/ServiceRegistry.h>
+#include <Util/SpontaneousDialog.h>
+
+#include <QApplication>
+#include <QVariant>
+#include <QWidget>
+
+#include <glog/logging.h>
+
+namespace Action {
+
+const char* const ACTION_STARTUP = "STARTUP";
+const char* const ACTION_ALL = "*";
+const char* const g_BlockSpontaneousActivityFlag = "blockSpontaneousActivityFlag";
+
+namespace {
+// Actions that must not start while any modal window is up, flagged or not.
+const std::set<QString>& modalWaitNames()
+{
+    static const std::set<QString> names{QStringLiteral("REQUEST_CHECK_AUTO_UPDATE")};
+    return names;
+}
+} // namespace
+
+using Tavrin::ExternalStimulus::Action;
+
+Gateway::Gateway(QObject* parent) : QObject(parent) {}
+
+Gateway::~Gateway() = default;
+
+QWidget* Gateway::blockingWindow()
+{
+    for (QWidget* widget = QApplication::activeModalWidget(); widget; widget = widget->parentWidget()) {
+        const QVariant flag = widget->property(g_BlockSpontaneousActivityFlag);
+        if (flag.isValid() && flag.toBool())
+            return widget;
+    }
+    return nullptr;
+}
+
+void Gateway::ProposeAction(const Action& action)
+{
+    if (QWidget* blocking = blockingWindow()) {
+        new EventWatcher(blocking, this, QEvent::Hide, action);
+        return;
+    }
+    if (QApplication::activeModalWidget() && modalWaitNames().count(QString::fromStdString(action.name))) {
+        if (QWidget* mainWindow = Tavrin::Util::SpontaneousDialog::GetMainWindow()) {
+            new EventWatcher(mainWindow, this, QEvent::WindowUnblocked, action);
+            return;
+        }
+    }
+    if (isEnabled(action.name))
+        m_storage.Add(action);
+    if (m_storage.IsBusy() || is_locked())
+        return;
+    while (!m_storage.IsEmpty())
+        m_storage.ExecAll();
+}
+
+void Gateway::CancelActions(const std::string& name)
+{
+    m_storage.Remove(name);
+}
+
+bool Gateway::IsBlockedActions(const std::string& name) const
+{
+    return m_storage.IsBlocked(name);
+}
+
+void Gateway::BlacklistAction(const std::string& name)
+{
+    m_blacklist.insert(name);
+    filterQueue();
+}
+
+void Gateway::AllowAction(const std::string& name)
+{
+    m_allowed.insert(name);
+}
+
+void Gateway::on_lock_released()
+{
+    if (!m_storage.IsEmpty())
+        ProposeAction(Action{std::string(), {}});
+}
+
+bool Gateway::isEnabled(const std::string& name) const
+{
+    if (m_allowed.count(name))
+        return true;
+    if (m_blacklist.count(ACTION_ALL))
+        return false;
+    return m_blacklist.count(name) == 0;
+}
+
+void Gateway::filterQueue()
+{
+    const auto actions = m_storage.GetActions();
+    m_storage.Clear();
+    for (const Action& action : actions)
+        if (isEnabled(action.name))
+            m_storage.Add(action);
+}
+
+void GatewayEmpty::ProposeAction(const Action&) {}
+void GatewayEmpty::CancelActions(const std::string&) {}
+bool GatewayEmpty::IsBlockedActions(const std::string&) const
+{
+    return false;
+}
+void GatewayEmpty::on_lock_released() {}
+
+EventWatcher::EventWatcher(QWidget* watched, Gateway* gateway, QEvent::Type awaited, const Action& action)
+    : QObject(watched), m_gateway(gateway), m_awaited(awaited), m_action(action)
+{
+    watched->installEventFilter(this);
+}
+
+EventWatcher::~EventWatcher()
+{
+    if (m_gateway)
+        m_gateway->ProposeAction(m_action);
+}
+
+bool EventWatcher::eventFilter(QObject* object, QEvent* event)
+{
+    if (event->type() == m_awaited) {
+        object->removeEventFilter(this);
+        deleteLater();
+    }
+    return false;
+}
+
+void proposeAction(const std::string& name, const std::function<void()>& function)
+{
+    auto gateway = Tavrin::App::ServiceRegistry::instance().get<Tavrin::ExternalStimulus::IGateway>();
+    if (!gateway) {
+        // Nothing gates actions in a host without a gateway: run it rather than lose it.
+        LOG(WARNING) << "No action gateway registered; running " << name << " at once";
+        if (function)
+            function();
+        return;
+    }
+    gateway->ProposeAction(Action{name, function});
+}
+
+} // namespace Action

@@ -1,0 +1,90 @@
+#pragma once
+
+#include "MediaTime.h"
+
+#include <QSize>
+#include <QString>
+#include <QStringList>
+
+#include <vector>
+
+namespace Media {
+
+struct VideoTrack
+{
+    QString codecId;          // the format configuration's codec identifier ("h264", "h265", ...)
+    QSize frameSize;
+    int pixelAspectX = 1;     // sample aspect ratio, x:y
+    int pixelAspectY = 1;
+    double frameRate = 0.0;
+    qint64 bitRate = 0;       // bits per second, 0 when unknown
+    QString transfer;         // colour transfer ("bt709", "smpte2084", "arib-std-b67", ...)
+    bool coverArt = false;    // an attached picture, not a moving video
+
+    bool isCoverArt() const { return coverArt; }
+};
+
+struct AudioTrack
+{
+    QString codecId;
+    int sampleRate = 0;
+    qint64 bitRate = 0;
+    quint64 channelLayout = 0; // channel mask, resolved with Tavrin::Conf::LayoutRecord::Find
+    int channels = 0;
+};
+
+// A media file of the project, as the editing model knows it. It starts opening when it
+// is added; it ends either opened (usable, maybe with some streams it cannot decode) or
+// failed. Only the media model changes it, on the GUI thread.
+class File
+{
+public:
+    enum class State { Opening, Opened, Failed };
+
+    explicit File(const QString& path = QString()) : m_path(path) {}
+    virtual ~File() = default;
+
+    QString filePath() const { return m_path; }
+    QString format() const { return m_format; }
+    const std::vector<VideoTrack>& videoTracks() const { return m_video; }
+    const std::vector<AudioTrack>& audioTracks() const { return m_audio; }
+    MediaTime fileDuration() const { return m_duration; }
+
+    State state() const { return m_state; }
+    bool isOpening() const { return m_state == State::Opening; }
+    bool isOpened() const { return m_state == State::Opened; }
+    bool isFailed() const { return m_state == State::Failed; }
+
+    // Codec identifiers of streams the editor cannot decode.
+    QStringList unsupportedCodecs() const { return m_unsupported; }
+    // True when a video stream uses a high-dynamic-range transfer (PQ or HLG).
+    bool hasHDRStreams() const;
+    static bool hasHDRStreams(const File* file) { return file && file->hasHDRStreams(); }
+
+    // Filled by the media model (and by tests that need a file in a given state).
+    void setFormat(const QString& format) { m_format = format; }
+    void setVideoTracks(std::vector<VideoTrack> tracks) { m_video = std::move(tracks); }
+    void setAudioTracks(std::vector<AudioTrack> tracks) { m_audio = std::move(tracks); }
+    void setFileDuration(MediaTime duration) { m_duration = duration; }
+    void setUnsupportedCodecs(const QStringList& codecs) { m_unsupported = codecs; }
+    void setState(State state) { m_state = state; }
+
+private:
+    QString m_path;
+    QString m_format;
+    std::vector<VideoTrack> m_video;
+    std::vector<AudioTrack> m_audio;
+    MediaTime m_duration;
+    QStringList m_unsupported;
+    State m_state = State::Opening;
+};
+
+inline bool File::hasHDRStreams() const
+{
+    for (const VideoTrack& track : m_video)
+        if (track.transfer == QLatin1String("smpte2084") || track.transfer == QLatin1String("arib-std-b67"))
+            return true;
+    return false;
+}
+
+} // namespace Media
