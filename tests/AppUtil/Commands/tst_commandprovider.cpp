@@ -8,6 +8,8 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include "TestSandbox.h"
+
 #include <cstdio>
 #include <memory>
 #include <unistd.h>

@@ -2,6 +2,8 @@
 
 #include <QtTest>
 
+#include "TestSandbox.h"
+
 #include <stdexcept>
 
 using Tavrin::ExternalStimulus::Action;

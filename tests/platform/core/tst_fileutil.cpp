@@ -5,6 +5,8 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include "TestSandbox.h"
+
 #include <unistd.h>
 
 // Paths in the data rows are relative to a temporary tree; "@" stands for its root.

@@ -2,6 +2,8 @@
 
 #include <QtTest>
 
+#include "TestSandbox.h"
+
 using Lock = Tavrin::NotifiedLockableAdapter<Tavrin::RecursiveBoolLock>;
 
 namespace {

@@ -3,6 +3,8 @@
 
 #include <QtTest>
 
+#include "TestSandbox.h"
+
 #include <memory>
 
 namespace {

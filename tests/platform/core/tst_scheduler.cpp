@@ -2,6 +2,8 @@
 
 #include <QtTest>
 
+#include "TestSandbox.h"
+
 using Tavrin::Util::Scheduler;
 using Tavrin::Util::SchedulerBase;
 

@@ -2,6 +2,8 @@
 
 #include <QtTest>
 
+#include "TestSandbox.h"
+
 Q_DECLARE_METATYPE(boost::any)
 
 using Tavrin::App::ServiceRegistry;

@@ -4,6 +4,8 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include "TestSandbox.h"
+
 class TestSettings : public QObject
 {
     Q_OBJECT
