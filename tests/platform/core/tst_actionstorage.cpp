@@ -16,12 +16,10 @@ class TestActionStorage : public QObject
 private slots:
     void queueKeepsProposalOrder();
     void removeDropsEveryActionOfTheName();
-    void execAllRunsInOrderAndEmpties();
     void actionAddedWhileRunningRunsInTheSameCall();
     void actionCancelledByARunningOneDoesNotRun();
     void busyWhileRunningAndReentryDoesNothing();
     void throwingActionDoesNotStopTheOthers();
-    void actionWithoutFunctionIsSkipped();
 
 private:
     Action record(const std::string& name)
@@ -64,21 +62,6 @@ void TestActionStorage::removeDropsEveryActionOfTheName()
     m_log.clear();
     storage.ExecAll();
     QCOMPARE(m_log, QStringList{"y"});
-}
-
-void TestActionStorage::execAllRunsInOrderAndEmpties()
-{
-    ActionStorage storage;
-    m_log.clear();
-    storage.Add(record("1"));
-    storage.Add(record("2"));
-    storage.Add(record("3"));
-    storage.ExecAll();
-    QCOMPARE(m_log, (QStringList{"1", "2", "3"}));
-    QVERIFY(storage.IsEmpty());
-    QVERIFY(!storage.IsBusy());
-    storage.ExecAll();
-    QCOMPARE(m_log.size(), 3);
 }
 
 void TestActionStorage::actionAddedWhileRunningRunsInTheSameCall()
@@ -140,17 +123,6 @@ void TestActionStorage::throwingActionDoesNotStopTheOthers()
     storage.ExecAll();
     QCOMPARE(m_log, (QStringList{"after std", "after other"}));
     QVERIFY(!storage.IsBusy());
-    QVERIFY(storage.IsEmpty());
-}
-
-void TestActionStorage::actionWithoutFunctionIsSkipped()
-{
-    ActionStorage storage;
-    m_log.clear();
-    storage.Add(Action{"", {}});
-    storage.Add(record("real"));
-    storage.ExecAll();
-    QCOMPARE(m_log, QStringList{"real"});
     QVERIFY(storage.IsEmpty());
 }
 

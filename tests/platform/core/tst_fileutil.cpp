@@ -29,8 +29,6 @@ private slots:
     void extractFilesResolvesRelativePaths();
     void extensionListIsCaseInsensitive();
     void supportedExtensionsAreTheGroups();
-    void extensionL_data();
-    void extensionL();
 
 private:
     QStringList resolve(const QStringList& paths) const;
@@ -151,24 +149,6 @@ void TestFileUtil::supportedExtensionsAreTheGroups()
     QVERIFY(FileUtil::pictureExtensions().contains(QStringLiteral("png")));
     QVERIFY(FileUtil::musicExtensions().contains(QStringLiteral("wav")));
     QVERIFY(!all.contains(QStringLiteral("txt")));
-}
-
-void TestFileUtil::extensionL_data()
-{
-    QTest::addColumn<QString>("path");
-    QTest::addColumn<QString>("extension");
-    QTest::newRow("lower") << "clip.mp4" << "mp4";
-    QTest::newRow("upper") << "/a/b/CLIP.MP4" << "mp4";
-    QTest::newRow("last dot wins") << "archive.tar.GZ" << "gz";
-    QTest::newRow("none") << "/a/b/noext" << "";
-    QTest::newRow("dot in folder only") << "/a/b.c/file" << "";
-}
-
-void TestFileUtil::extensionL()
-{
-    QFETCH(QString, path);
-    QFETCH(QString, extension);
-    QCOMPARE(FS::extensionL(path), extension);
 }
 
 QTEST_GUILESS_MAIN(TestFileUtil)

@@ -44,11 +44,9 @@ private slots:
 
     void typedGetReturnsTheRegisteredService();
     void missingEntryIsEmpty();
-    void keyedByInterfaceNotByObject();
     void wrongTypeRaisesBadAnyCast_data();
     void wrongTypeRaisesBadAnyCast();
     void replaceAndRemove();
-    void namedValues();
 };
 
 void TestServiceRegistry::typedGetReturnsTheRegisteredService()
@@ -68,16 +66,6 @@ void TestServiceRegistry::missingEntryIsEmpty()
 {
     QVERIFY(!ServiceRegistry::instance().get<IClock>());
     QVERIFY(ServiceRegistry::instance().entry(typeid(IClock)).empty());
-}
-
-void TestServiceRegistry::keyedByInterfaceNotByObject()
-{
-    auto clock = std::make_shared<FixedClock>(1);
-    ServiceRegistry::instance().set<IClock>(clock);
-    // The same object is not found under another interface it implements.
-    QVERIFY(!ServiceRegistry::instance().get<IOther>());
-    ServiceRegistry::instance().set<IOther>(clock);
-    QVERIFY(ServiceRegistry::instance().get<IOther>());
 }
 
 void TestServiceRegistry::wrongTypeRaisesBadAnyCast_data()
@@ -106,14 +94,6 @@ void TestServiceRegistry::replaceAndRemove()
     // Registering an empty pointer is not an entry of the wrong type.
     ServiceRegistry::instance().set<IClock>(std::shared_ptr<IClock>());
     QVERIFY(!ServiceRegistry::instance().get<IClock>());
-}
-
-void TestServiceRegistry::namedValues()
-{
-    QVERIFY(ServiceRegistry::instance().value("locale").empty());
-    ServiceRegistry::instance().setValue("locale", std::string("de_DE"));
-    QCOMPARE(boost::any_cast<std::string>(ServiceRegistry::instance().value("locale")), std::string("de_DE"));
-    QVERIFY_EXCEPTION_THROWN(boost::any_cast<int>(ServiceRegistry::instance().value("locale")), boost::bad_any_cast);
 }
 
 QTEST_GUILESS_MAIN(TestServiceRegistry)

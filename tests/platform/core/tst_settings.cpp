@@ -19,7 +19,6 @@ private slots:
     void dontShowDialogRoundTrip();
     void persistsAcrossSetFileName();
     void writtenAsIniFile();
-    void removeForgetsTheKey();
 
 private:
     QTemporaryDir m_dir;
@@ -102,14 +101,6 @@ void TestSettings::writtenAsIniFile()
     QSettings reader(m_file, QSettings::IniFormat);
     QCOMPARE(reader.value(QStringLiteral("count")).toInt(), 3);
     QCOMPARE(reader.allKeys().size(), 2);
-}
-
-void TestSettings::removeForgetsTheKey()
-{
-    Settings::setValue(QStringLiteral("gone"), true);
-    Settings::remove(QStringLiteral("gone"));
-    Settings::setFileName(m_file);
-    QVERIFY(!Settings::value(QStringLiteral("gone")).isValid());
 }
 
 QTEST_GUILESS_MAIN(TestSettings)
