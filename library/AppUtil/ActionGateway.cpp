@@ -24,6 +24,26 @@ const std::set<QString>& modalWaitNames()
     static const std::set<QString> names{QStringLiteral("REQUEST_CHECK_AUTO_UPDATE")};
     return names;
 }
+// Whether Qt counts `window` as blocked by `modal`, and so sends it WindowUnblocked when
+// `modal` goes. Qt tracks this only for windows that have been created.
+bool blocks(const QWidget* modal, const QWidget* window)
+{
+    if (!window->windowHandle() || modal->window() == window->window())
+        return false;
+    switch (modal->windowModality()) {
+    case Qt::ApplicationModal:
+        return true;
+    case Qt::WindowModal:
+        for (const QWidget* parent = modal->parentWidget(); parent; parent = parent->parentWidget())
+            if (parent->window() == window->window())
+                return true;
+        return false;
+    case Qt::NonModal:
+        break;
+    }
+    return false;
+}
+
 } // namespace
 
 using Tavrin::ExternalStimulus::Action;
@@ -48,11 +68,17 @@ void Gateway::ProposeAction(const Action& action)
         new EventWatcher(blocking, this, QEvent::Hide, action);
         return;
     }
-    if (QApplication::activeModalWidget() && modalWaitNames().count(QString::fromStdString(action.name))) {
-        if (QWidget* mainWindow = Tavrin::Util::SpontaneousDialog::GetMainWindow()) {
+    QWidget* modal = QApplication::activeModalWidget();
+    if (modal && modalWaitNames().count(QString::fromStdString(action.name))) {
+        QWidget* mainWindow = Tavrin::Util::SpontaneousDialog::GetMainWindow();
+        if (mainWindow && blocks(modal, mainWindow))
             new EventWatcher(mainWindow, this, QEvent::WindowUnblocked, action);
-            return;
-        }
+        else
+            // The main window will never be told it is unblocked (a start-up dialog before
+            // it was first shown, or a dialog modal to another window): wait for the
+            // modal window itself to go instead of waiting forever.
+            new EventWatcher(modal, this, QEvent::Hide, action);
+        return;
     }
     if (isEnabled(action.name))
         m_storage.Add(action);

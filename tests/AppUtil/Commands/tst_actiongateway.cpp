@@ -192,17 +192,42 @@ void TestActionGateway::falseFlagDoesNotBlock()
     dialog->reject();
 }
 
+// Where the modal dialog sits: over the shown main window, over a main window that was
+// never shown (a start-up dialog) or was hidden again, or over another window. In every
+// case a modal-wait name waits until the dialog is gone, and only it waits.
 void TestActionGateway::modalDialogDefersOnlyModalWaitNames_data()
 {
     QTest::addColumn<bool>("exec");
-    QTest::newRow("open") << false;
-    QTest::newRow("exec") << true;
+    QTest::addColumn<QString>("scenario");
+    QTest::newRow("open() over main window") << false << "main";
+    QTest::newRow("exec() over main window") << true << "main";
+    QTest::newRow("exec() before main window shown") << true << "never shown";
+    QTest::newRow("exec() with main window hidden") << true << "hidden";
+    QTest::newRow("open() over another window") << false << "other window";
+    QTest::newRow("exec() without parent") << true << "no parent";
 }
 
 void TestActionGateway::modalDialogDefersOnlyModalWaitNames()
 {
     QFETCH(bool, exec);
-    QDialog dialog(m_main.get());
+    QFETCH(QString, scenario);
+    std::unique_ptr<QWidget> other;
+    QWidget* parent = m_main.get();
+    if (scenario == QLatin1String("never shown")) {
+        m_main = std::make_unique<QMainWindow>();
+        Tavrin::Util::SpontaneousDialog::setMainWindow(m_main.get());
+        parent = nullptr;
+    } else if (scenario == QLatin1String("hidden")) {
+        m_main->hide();
+    } else if (scenario == QLatin1String("other window")) {
+        other = std::make_unique<QWidget>();
+        other->show();
+        parent = other.get();
+    } else if (scenario == QLatin1String("no parent")) {
+        parent = nullptr;
+    }
+
+    QDialog dialog(parent);
     QStringList whileOpen;
     auto insideDialog = [&] {
         QCOMPARE(QApplication::activeModalWidget(), &dialog);
