@@ -13,6 +13,7 @@
 #include <QWidget>
 
 #include <boost/any.hpp>
+#include <glog/logging.h>
 
 #include <mutex>
 
@@ -27,18 +28,27 @@ std::weak_ptr<Tavrin::App::ILookAndFeelManager>& lookAndFeelPointer()
 }
 
 // Each call takes its manager anew and holds it only for its own duration, so a host
-// may replace a manager at any time.
+// may replace a manager at any time. A host that forgot to register one gets an error
+// line and empty answers instead of a crash somewhere in a dialog.
+template <class Interface>
+std::shared_ptr<Interface> service(const char* name)
+{
+    auto manager = ServiceRegistry::instance().get<Interface>();
+    if (!manager)
+        LOG(ERROR) << "No " << name << " is registered in the service registry";
+    return manager;
+}
 std::shared_ptr<Tavrin::App::ICustomizationManager> customization()
 {
-    return ServiceRegistry::instance().get<Tavrin::App::ICustomizationManager>();
+    return service<Tavrin::App::ICustomizationManager>("customization manager");
 }
 std::shared_ptr<Tavrin::App::ILinksManager> links()
 {
-    return ServiceRegistry::instance().get<Tavrin::App::ILinksManager>();
+    return service<Tavrin::App::ILinksManager>("links manager");
 }
 std::shared_ptr<Tavrin::App::ILaunchTypeProcessor> launchType()
 {
-    return ServiceRegistry::instance().get<Tavrin::App::ILaunchTypeProcessor>();
+    return service<Tavrin::App::ILaunchTypeProcessor>("launch type processor");
 }
 std::shared_ptr<Tavrin::App::ILookAndFeelManager> lookAndFeel()
 {
@@ -60,7 +70,8 @@ void init(std::weak_ptr<Tavrin::App::ILookAndFeelManager> const& manager)
 
 QString appUrl(Tavrin::URLKeys const& key)
 {
-    return links()->url(key);
+    const auto manager = links();
+    return manager ? manager->url(key) : QString();
 }
 
 QString supportCenterUrl()
@@ -91,47 +102,56 @@ QString homepageVimeoLocalized()
 
 QString generateUrl(QString const& url)
 {
-    return links()->generateUrl(url, {});
+    const auto manager = links();
+    return manager ? manager->generateUrl(url, {}) : url;
 }
 
 void openUrl(QString const& url)
 {
-    links()->openUrl(url);
+    if (const auto manager = links())
+        manager->openUrl(url);
 }
 
 void openUrl(Tavrin::URLKeys const& key)
 {
-    links()->openUrl(key);
+    if (const auto manager = links())
+        manager->openUrl(key);
 }
 
 QString applicationName()
 {
-    return utf8(customization()->applicationName());
+    const auto manager = customization();
+    return manager ? utf8(manager->applicationName()) : QString();
 }
 
 QString productName()
 {
-    return utf8(customization()->productName());
+    const auto manager = customization();
+    return manager ? utf8(manager->productName()) : QString();
 }
 
 QString productNameLocalized()
 {
-    return utf8(customization()->productNameLocalized());
+    const auto manager = customization();
+    return manager ? utf8(manager->productNameLocalized()) : QString();
 }
 
 QString organizationId()
 {
-    return utf8(customization()->organizationId());
+    const auto manager = customization();
+    return manager ? utf8(manager->organizationId()) : QString();
 }
 
 QString organizationDomainName()
 {
-    return utf8(customization()->organizationDomainName());
+    const auto manager = customization();
+    return manager ? utf8(manager->organizationDomainName()) : QString();
 }
 
 QString organizationPresentableName()
 {
-    return utf8(customization()->organizationPresentableName());
+    const auto manager = customization();
+    return manager ? utf8(manager->organizationPresentableName()) : QString();
 }
 
 QString productFullName()
@@ -156,22 +176,26 @@ QString effectsStoreNameBranded()
 
 Tavrin::App::LaunchType applicationLaunchType()
 {
-    return launchType()->applicationLaunchType();
+    const auto processor = launchType();
+    return processor ? processor->applicationLaunchType() : Tavrin::App::LaunchType::Regular;
 }
 
 Tavrin::App::LaunchType productLaunchType()
 {
-    return launchType()->productLaunchType();
+    const auto processor = launchType();
+    return processor ? processor->productLaunchType() : Tavrin::App::LaunchType::Regular;
 }
 
 bool isFirstApplicationLaunch()
 {
-    return launchType()->isFirstApplicationLaunch();
+    const auto processor = launchType();
+    return processor ? processor->isFirstApplicationLaunch() : false;
 }
 
 bool isFirstProductLaunch()
 {
-    return launchType()->isFirstProductLaunch();
+    const auto processor = launchType();
+    return processor ? processor->isFirstProductLaunch() : false;
 }
 
 QStringList const& availableLocales()
@@ -212,7 +236,8 @@ QString localeDependedBoldText(QString const& text)
 
 void apply(QObject* object)
 {
-    customization()->apply(object);
+    if (const auto manager = customization())
+        manager->apply(object);
 }
 
 void applyLayout(QLayout* layout, QStringList const& order)
