@@ -11,6 +11,11 @@
 
 #include "TestSandbox.h"
 
+#if __has_include("TestMedia.h")
+#include "TestMedia.h"
+#define KV_HAVE_TEST_MEDIA 1
+#endif
+
 namespace {
 
 struct Run
@@ -77,10 +82,24 @@ void TestKlipvaneCli::init()
     m_home = std::make_unique<QTemporaryDir>();
     QVERIFY(m_files->isValid() && m_home->isValid());
     m_root = QDir(m_files->path()).canonicalPath();
-    for (const char* name : {"a.mp4", "b.png", "notes.txt"}) {
-        QFile file(path(QString::fromLatin1(name)));
+    // Real media where the generator can make it (the host may open what it is given);
+    // otherwise stand-ins: the command log only depends on names and extensions.
+    const std::pair<const char*, const char*> files[] = {
+        {"a.mp4", "h264_tiny.mp4"}, {"b.png", "still.png"}, {"notes.txt", nullptr}};
+    for (const auto& [name, media] : files) {
+        const QString target = path(QString::fromLatin1(name));
+#ifdef KV_HAVE_TEST_MEDIA
+        const QString source = media ? TestMedia::path(media) : QString();
+#else
+        Q_UNUSED(media)
+        const QString source;
+#endif
+        if (!source.isEmpty()) {
+            QVERIFY(QFile::copy(source, target));
+            continue;
+        }
+        QFile file(target);
         QVERIFY(file.open(QIODevice::WriteOnly));
-        // The host lists names only; the bytes need not be media.
         file.write("klipvane test file");
     }
 }
