@@ -155,9 +155,18 @@ EventWatcher::~EventWatcher()
 
 bool EventWatcher::eventFilter(QObject* object, QEvent* event)
 {
-    if (event->type() == m_awaited) {
-        object->removeEventFilter(this);
-        deleteLater();
+    if (event->type() != m_awaited)
+        return false;
+    // Qt asks the filter installed last first. Releasing every watcher of this widget that
+    // waits for the same event, in the order they were created (their order as children),
+    // brings the held actions back in the order they were proposed.
+    for (QObject* child : object->children()) {
+        auto* watcher = qobject_cast<EventWatcher*>(child);
+        if (watcher && !watcher->m_released && watcher->m_awaited == m_awaited) {
+            watcher->m_released = true;
+            object->removeEventFilter(watcher);
+            watcher->deleteLater();
+        }
     }
     return false;
 }

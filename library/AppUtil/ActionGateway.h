@@ -95,6 +95,7 @@ private:
     QPointer<Gateway> m_gateway;
     QEvent::Type m_awaited;
     Tavrin::ExternalStimulus::Action m_action;
+    bool m_released = false;
 };
 
 // Proposes an action to the application-wide gateway from the service registry. Without
