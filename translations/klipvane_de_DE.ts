@@ -52,6 +52,102 @@
     </message>
 </context>
 <context>
+    <name>DialogGallery</name>
+    <message>
+        <location filename="../app/DialogGallery.cpp" line="+79"/>
+        <source>The name cannot be empty</source>
+        <translation>Der Name darf nicht leer sein</translation>
+    </message>
+    <message>
+        <location line="+9"/>
+        <source>A project with this name exists and will be replaced</source>
+        <translation>Ein Projekt mit diesem Namen ist vorhanden und wird ersetzt</translation>
+    </message>
+    <message>
+        <location line="+18"/>
+        <location line="+1"/>
+        <source>Export</source>
+        <translation>Exportieren</translation>
+    </message>
+    <message>
+        <location line="-1"/>
+        <source>The project has clips shorter than one frame. Export anyway?</source>
+        <translation>Das Projekt enthält Clips, die kürzer als ein Bild sind. Trotzdem exportieren?</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>Don&apos;t ask again</source>
+        <translation>Nicht mehr fragen</translation>
+    </message>
+    <message>
+        <source>OpenGL activation</source>
+        <translation type="obsolete">OpenGL-Aktivierung</translation>
+    </message>
+    <message>
+        <source>The program will restart to activate OpenGL. It can take some time.</source>
+        <translation type="obsolete">Das Programm wird neu gestartet, um OpenGL zu aktivieren. Das kann einige Zeit dauern.</translation>
+    </message>
+    <message>
+        <source>Restart</source>
+        <translation type="obsolete">Neu starten</translation>
+    </message>
+    <message>
+        <location line="+16"/>
+        <source>Tip</source>
+        <translation>Tipp</translation>
+    </message>
+    <message>
+        <location line="+0"/>
+        <source>Hold &lt;b&gt;Shift&lt;/b&gt; while dragging to snap clips to the playhead.</source>
+        <translation>Halten Sie beim Ziehen die &lt;b&gt;Umschalttaste&lt;/b&gt; gedrückt, um Clips am Abspielkopf einrasten zu lassen.</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>Don&apos;t show this again</source>
+        <translation>Nicht mehr anzeigen</translation>
+    </message>
+    <message>
+        <location line="+2"/>
+        <source>Low disk space</source>
+        <translation>Wenig Speicherplatz</translation>
+    </message>
+    <message>
+        <location line="+0"/>
+        <source>Less than 1 GB is free on the export drive.</source>
+        <translation>Auf dem Exportlaufwerk ist weniger als 1 GB frei.</translation>
+    </message>
+    <message>
+        <location line="+3"/>
+        <source>Save project as</source>
+        <translation>Projekt speichern unter</translation>
+    </message>
+    <message>
+        <location line="+0"/>
+        <source>Project name:</source>
+        <translation>Projektname:</translation>
+    </message>
+    <message>
+        <location line="+3"/>
+        <source>New folder</source>
+        <translation>Neuer Ordner</translation>
+    </message>
+    <message>
+        <location line="+0"/>
+        <source>Create</source>
+        <translation>Erstellen</translation>
+    </message>
+    <message>
+        <location line="+0"/>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+    <message>
+        <location line="+0"/>
+        <source>Folder name</source>
+        <translation>Ordnername</translation>
+    </message>
+</context>
+<context>
     <name>DialogStrategy</name>
     <message>
         <location filename="../library/AppUtil/Dialog/DefaultDialogStrategy.cpp" line="+72"/>
@@ -232,6 +328,125 @@
     </message>
 </context>
 <context>
+    <name>HostServices</name>
+    <message>
+        <location filename="../app/HostServices.cpp" line="+55"/>
+        <location line="+22"/>
+        <source>&amp;Help</source>
+        <translation>&amp;Hilfe</translation>
+    </message>
+    <message>
+        <location line="-21"/>
+        <source>Supported &amp;formats</source>
+        <translation>Unterstützte &amp;Formate</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>&amp;Support center</source>
+        <translation>&amp;Support-Center</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>&amp;Contact support</source>
+        <translation>Support &amp;kontaktieren</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>&amp;Home page</source>
+        <translation>&amp;Startseite</translation>
+    </message>
+    <message>
+        <location line="+22"/>
+        <source>Standard &amp;dialogs</source>
+        <translation>Standard&amp;dialoge</translation>
+    </message>
+</context>
+<context>
+    <name>MainWindow</name>
+    <message>
+        <location filename="../app/MainWindow.cpp" line="+121"/>
+        <location line="+47"/>
+        <source>Import</source>
+        <translation>Import</translation>
+    </message>
+    <message>
+        <location line="-46"/>
+        <source>Drop media files here, name them on the command line, or launch the editor again with files: they appear in the media bin.</source>
+        <translation>Legen Sie Mediendateien hier ab, nennen Sie sie auf der Befehlszeile oder starten Sie den Editor erneut mit Dateien: Sie erscheinen in der Medienablage.</translation>
+    </message>
+    <message>
+        <location line="+2"/>
+        <location line="+45"/>
+        <source>Tools</source>
+        <translation>Werkzeuge</translation>
+    </message>
+    <message>
+        <location line="-45"/>
+        <source>Capture the screen or a camera.</source>
+        <translation>Bildschirm oder Kamera aufnehmen.</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>Slideshow</source>
+        <translation>Diashow</translation>
+    </message>
+    <message>
+        <location line="+0"/>
+        <source>Slideshow mode</source>
+        <translation>Diashow-Modus</translation>
+    </message>
+    <message>
+        <location line="+14"/>
+        <source>Media bin</source>
+        <translation>Medienablage</translation>
+    </message>
+    <message>
+        <location line="+11"/>
+        <source>Ready</source>
+        <translation>Bereit</translation>
+    </message>
+    <message>
+        <location line="+12"/>
+        <source>&amp;View</source>
+        <translation>&amp;Ansicht</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>&amp;Import</source>
+        <translation>&amp;Import</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>&amp;Tools</source>
+        <translation>&amp;Werkzeuge</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>Pages</source>
+        <translation>Seiten</translation>
+    </message>
+    <message numerus="yes">
+        <location line="+33"/>
+        <source>%n file(s) added</source>
+        <translation>
+            <numerusform>%n Datei hinzugefügt</numerusform>
+            <numerusform>%n Dateien hinzugefügt</numerusform>
+        </translation>
+    </message>
+    <message>
+        <location line="+22"/>
+        <source>Slideshow: waiting for files</source>
+        <translation>Diashow: warte auf Dateien</translation>
+    </message>
+    <message>
+        <location line="+4"/>
+        <source>Slide %1 of %2
+%3</source>
+        <translation>Bild %1 von %2
+%3</translation>
+    </message>
+</context>
+<context>
     <name>QObject</name>
     <message>
         <location filename="fixed_contexts.cpp" line="+11"/>
@@ -253,21 +468,34 @@
         <source>Conversion error. Out of memory. Try reducing the width and height for the output file.</source>
         <translation>Konvertierungsfehler. Nicht genügend Arbeitsspeicher. Verringern Sie Breite und Höhe der Ausgabedatei.</translation>
     </message>
+    <message>
+        <location filename="../app/main.cpp" line="+74"/>
+        <source>Files you added from outside the editor.</source>
+        <translation>Dateien, die Sie von außerhalb des Editors hinzugefügt haben.</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>Filters, transitions and titles.</source>
+        <translation>Filter, Übergänge und Titel.</translation>
+    </message>
 </context>
 <context>
     <name>RestartDialog</name>
     <message>
-        <location line="+3"/>
+        <location filename="../app/DialogGallery.cpp" line="-20"/>
+        <location filename="fixed_contexts.cpp" line="+3"/>
         <source>OpenGL activation</source>
         <translation>OpenGL-Aktivierung</translation>
     </message>
     <message>
         <location line="+1"/>
+        <location filename="fixed_contexts.cpp" line="+1"/>
         <source>The program will restart to activate OpenGL. It can take some time.</source>
         <translation>Das Programm wird neu gestartet, um OpenGL zu aktivieren. Das kann einige Zeit dauern.</translation>
     </message>
     <message>
-        <location line="+1"/>
+        <location line="+2"/>
+        <location filename="fixed_contexts.cpp" line="+1"/>
         <source>Restart</source>
         <translation>Neu starten</translation>
     </message>

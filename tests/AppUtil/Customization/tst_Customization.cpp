@@ -1,5 +1,6 @@
 // The Customization functions over managers registered by the test: the fixed rules
 // (full names, bold text, support link, layout order) and the forwarding to managers.
+#include "TestSandbox.h"
 #include <Customization.h>
 
 #include <App/ICustomizationManager.h>

@@ -1,5 +1,6 @@
 // CrumbitInputDialog: its widgets and hints, the confirm button's rule, the simplified
 // result, and the buttons that reject.
+#include "TestSandbox.h"
 #include "ModalAnswer.h"
 
 #include <Dialog/CrumbitInputDialog.h>

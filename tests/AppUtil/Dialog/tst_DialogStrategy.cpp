@@ -1,5 +1,6 @@
 // The default dialog strategy, driven through the Dialog:: functions with its real
 // dialogs: a timer clicks their buttons and ticks their check boxes.
+#include "TestSandbox.h"
 #include "ModalAnswer.h"
 
 #include <Dialog/DialogStrategy.h>

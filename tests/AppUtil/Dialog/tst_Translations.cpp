@@ -1,5 +1,6 @@
 // Translation contexts of the dialogs: the shipped German catalogue changes the dialogs'
 // texts, and a translator for one context changes exactly the texts of that context.
+#include "TestSandbox.h"
 #include "ModalAnswer.h"
 
 #include <Customization.h>

@@ -1,5 +1,6 @@
 // ValidationInputDialog: the check while typing, the error label and style, the Ok
 // button, and what inputText() gives back; also through the strategy's two overloads.
+#include "TestSandbox.h"
 #include "ModalAnswer.h"
 
 #include <Dialog/DialogStrategy.h>

@@ -1,5 +1,6 @@
 // The product description file, the URL keys' text form, and the four managers built
 // from it: generated addresses, opening only web addresses, launch records, locales.
+#include "TestSandbox.h"
 #include <App/CustomizationManager.h>
 #include <App/ILaunchTypeProcessor.h>
 #include <App/LaunchTypeProcessor.h>
