@@ -1,7 +1,9 @@
 // The reference host of EditorAppUtil: a small editor shell that wires every subsystem
 // of the library so that a person (or a test) can watch it work.
 
+#include "DialogGallery.h"
 #include "HostOptions.h"
+#include "HostServices.h"
 #include "MainWindow.h"
 
 #include <ActionGateway.h>
@@ -50,11 +52,16 @@ int main(int argc, char** argv)
         arguments << QString::fromLocal8Bit(argv[i]);
     const HostOptions options = HostOptions::take(arguments);
     Launcher::instance().setArguments(arguments);
+    if (!options.dialogGalleryDir.isEmpty())
+        DialogGallery::prepareEnvironment();
 
     QApplication application(argc, argv);
     QApplication::setOrganizationName(QStringLiteral("Klipvane"));
     QApplication::setApplicationName(QStringLiteral("Klipvane"));
 
+    HostServices::install(application, options.locale);
+    if (!options.dialogGalleryDir.isEmpty())
+        return DialogGallery::render(options.dialogGalleryDir);
     registerActionGateway();
 
     // Created first: it reads the mode and the files of this launch and holds them until
@@ -63,6 +70,7 @@ int main(int argc, char** argv)
 
     MainWindow window;
     Tavrin::Util::SpontaneousDialog::setMainWindow(&window);
+    HostServices::decorateMainWindow(&window);
     window.addCollectionPage(QStringLiteral("UserFiles"), QObject::tr("Files you added from outside the editor."));
     window.addCollectionPage(QStringLiteral("Effects"), QObject::tr("Filters, transitions and titles."));
 

@@ -9,7 +9,8 @@ PACKAGES="build-essential cmake ninja-build ccache pkg-config git
   qtbase5-dev qttools5-dev-tools qttools5-dev libqt5opengl5-dev
   libboost-dev libgoogle-glog-dev
   libavformat-dev libavcodec-dev libavutil-dev ffmpeg
-  xvfb xauth clang libsingleapplication-dev fonts-dejavu-core"
+  xvfb xauth clang libsingleapplication-dev fonts-dejavu-core
+  fonts-wqy-microhei qttranslations5-l10n"
 
 missing=""
 for p in $PACKAGES; do

@@ -17,6 +17,7 @@
 
 #include <QApplication>
 #include <QCheckBox>
+#include <QCoreApplication>
 #include <QFileInfo>
 #include <QPushButton>
 #include <QTime>
@@ -29,10 +30,11 @@ namespace Dialog {
 namespace {
 using Tavrin::Util::AlertBox;
 
-QString tr(const char* text)
+// The strategy's own texts are catalogued under "DialogStrategy".
+struct Text
 {
-    return QCoreApplication::translate("DialogStrategy", text);
-}
+    Q_DECLARE_TR_FUNCTIONS(DialogStrategy)
+};
 
 QWidget* parentWidget()
 {
@@ -67,10 +69,10 @@ DialogStrategy::~DialogStrategy() = default;
 
 bool DialogStrategy::alertModifiedProject(bool& save) const
 {
-    AlertBox box(AlertBox::Question, tr("Save project"),
-                 tr("Warning! Current project is not saved. Save project before operation?"),
+    AlertBox box(AlertBox::Question, Text::tr("Save project"),
+                 Text::tr("Warning! Current project is not saved. Save project before operation?"),
                  QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, parentWidget(), boxFlags);
-    box.setButtonText(QMessageBox::Discard, tr("Don't save"));
+    box.setButtonText(QMessageBox::Discard, Text::tr("Don't save"));
     box.raise();
     const QMessageBox::StandardButton pressed = box.Exec();
     save = pressed == QMessageBox::Save;
@@ -79,23 +81,24 @@ bool DialogStrategy::alertModifiedProject(bool& save) const
 
 bool DialogStrategy::alertOverwrite(QString const& path) const
 {
-    return AlertBox::Exec(AlertBox::Question, tr("File exists"), tr("File \"%1\" already exists. Overwrite it?").arg(path),
-                          QMessageBox::Yes | QMessageBox::No, parentWidget(), boxFlags)
+    const QString text = Text::tr("File \"%1\" already exists. Overwrite it?").arg(path);
+    return AlertBox::Exec(AlertBox::Question, Text::tr("File exists"), text, QMessageBox::Yes | QMessageBox::No,
+                          parentWidget(), boxFlags)
            == QMessageBox::Yes;
 }
 
 bool DialogStrategy::alertOverwriteFolder(QString const& path) const
 {
-    return AlertBox::Exec(AlertBox::Question, tr("Folder exist"),
-                          tr("Folder \"%1\" already exists. Overwrite it?").arg(path), QMessageBox::Yes | QMessageBox::No,
+    const QString text = Text::tr("Folder \"%1\" already exists. Overwrite it?").arg(path);
+    return AlertBox::Exec(AlertBox::Question, Text::tr("Folder exist"), text, QMessageBox::Yes | QMessageBox::No,
                           parentWidget(), boxFlags)
            == QMessageBox::Yes;
 }
 
 bool DialogStrategy::alertRestoreSession() const
 {
-    AlertBox box(AlertBox::Question, tr("Recover editing session"),
-                 tr("Your last editing session ended unexpectedly. Do you want to restore it?"),
+    AlertBox box(AlertBox::Question, Text::tr("Recover editing session"),
+                 Text::tr("Your last editing session ended unexpectedly. Do you want to restore it?"),
                  QMessageBox::Yes | QMessageBox::No, parentWidget(), boxFlags);
     box.setDefaultButton(QMessageBox::Yes);
     return box.Exec() == QMessageBox::Yes;
@@ -174,16 +177,16 @@ void DialogStrategy::showResourceLicense(ExternalResourceInfo const& info) const
 
 bool DialogStrategy::showHasFailedFiles(bool offerRemoval, QString const& text) const
 {
-    QString message = text.isEmpty() ? tr("Some of the files can't be opened.") : text;
+    QString message = text.isEmpty() ? Text::tr("Some of the files can't be opened.") : text;
     if (offerRemoval)
-        message += QLatin1Char(' ') + tr("<br>Please choose:<br>Remove unopened files from the project or keep them?");
-    AlertBox box(AlertBox::Warning, tr("Can't open files"), message, QMessageBox::NoButton, parentWidget(), boxFlags);
+        message += QLatin1Char(' ') + Text::tr("<br>Please choose:<br>Remove unopened files from the project or keep them?");
+    AlertBox box(AlertBox::Warning, Text::tr("Can't open files"), message, QMessageBox::NoButton, parentWidget(), boxFlags);
     box.setWindowFlags(noCloseFlags);
     box.setTextFormat(Qt::RichText);
     box.setModal(true);
     if (offerRemoval) {
-        box.addButton(tr("Keep"), QMessageBox::RejectRole);
-        box.addButton(tr("Remove"), QMessageBox::AcceptRole);
+        box.addButton(Text::tr("Keep"), QMessageBox::RejectRole);
+        box.addButton(Text::tr("Remove"), QMessageBox::AcceptRole);
     } else {
         box.addButton(QMessageBox::Ok);
     }
@@ -233,11 +236,11 @@ void DialogStrategy::showWarning(QString const& title, QString const& text) cons
 
 void DialogStrategy::showCriticalError(QApplication const&) const
 {
-    const QString text = tr("Unknown problem has been detected.<br><br>Please contact us at %1 to solve this problem.")
+    const QString text = Text::tr("Unknown problem has been detected.<br><br>Please contact us at %1 to solve this problem.")
                              .arg(Customization::supportCenterHRef());
     // Deliberately no parent and only BypassWindowManagerHint: the box must appear even
     // when the application's windows are in a broken state.
-    AlertBox box(AlertBox::Warning, tr("Critical error"), text, QMessageBox::Ok, nullptr,
+    AlertBox box(AlertBox::Warning, Text::tr("Critical error"), text, QMessageBox::Ok, nullptr,
                  Qt::WindowFlags(Qt::BypassWindowManagerHint));
     box.Exec();
 }
@@ -259,14 +262,14 @@ QString DialogStrategy::showCrumbitInputDialog(QString const& title, QString con
 
 MissingFileAction DialogStrategy::alertMissingFile(QString const& fileName, QString const& location)
 {
-    const QString text = tr("Could not find the file %1 at the specified location: %2. The file may have been moved "
+    const QString text = Text::tr("Could not find the file %1 at the specified location: %2. The file may have been moved "
                             "or deleted. Click Browse to find the file at its new location.")
                              .arg(fileName, location);
-    AlertBox box(AlertBox::Question, tr("Can't open the file"), text, QMessageBox::NoButton, parentWidget(),
+    AlertBox box(AlertBox::Question, Text::tr("Can't open the file"), text, QMessageBox::NoButton, parentWidget(),
                  noCloseFlags);
-    QPushButton* browse = box.addButton(tr("Browse"), QMessageBox::AcceptRole);
-    box.addButton(tr("Skip"), QMessageBox::RejectRole);
-    QPushButton* abort = box.addButton(tr("Abort"), QMessageBox::RejectRole);
+    QPushButton* browse = box.addButton(Text::tr("Browse"), QMessageBox::AcceptRole);
+    box.addButton(Text::tr("Skip"), QMessageBox::RejectRole);
+    QPushButton* abort = box.addButton(Text::tr("Abort"), QMessageBox::RejectRole);
     box.exec();
     if (box.clickedButton() == abort)
         return MissingFileAction::Abort;

@@ -38,6 +38,9 @@ AlertBox::AlertBox(AlertLevel level, const QString& title, const QString& text, 
     : QMessageBox(iconOf(level), title, text, buttons, parent, flags)
     , m_level(level)
 {
+    // QMessageBox adds its own title-bar hints to whatever it is given; the flags asked for
+    // are the flags wanted (a box without a close button must not regain one).
+    setWindowFlags(flags);
     setObjectName(QStringLiteral("alertBox"));
     ::Util::applyStyleHint(this, styleHintOf(level));
     Workaround::Ui::apply(this);

@@ -1,5 +1,6 @@
 // The Dialog:: free functions against a scripted strategy: what reaches the strategy,
 // what comes back, and the lifecycle of the installed strategy.
+#include "TestSandbox.h"
 #include "ScriptedDialogStrategy.h"
 
 #include <Dialog/DialogStrategy.h>

@@ -1,0 +1,86 @@
+#include "HostServices.h"
+
+#include "DialogGallery.h"
+
+#include <Customization.h>
+#include <Dialog/DialogStrategy.h>
+
+#include <App/ILookAndFeelManager.h>
+#include <App/LookAndFeelManager.h>
+#include <App/ProductServices.h>
+#include <App/ServiceRegistry.h>
+#include <Util/StyleSheet.h>
+
+#include <QApplication>
+#include <QMainWindow>
+#include <QMenu>
+#include <QMenuBar>
+
+#include <glog/logging.h>
+
+namespace HostServices {
+
+QString install(QApplication& application, const QString& requestedLocale)
+{
+    const QString locale = requestedLocale.isEmpty()
+                               ? Tavrin::App::LookAndFeelManager::chooseLocale(QApplication::arguments())
+                               : QLocale(requestedLocale).name();
+    const QString directory = QApplication::applicationDirPath();
+    Tavrin::App::ProductServicesOptions options;
+    options.locale = locale;
+    options.translationsDirectory = directory + QStringLiteral("/translations");
+    Tavrin::App::registerProductServices(directory + QStringLiteral("/product.json"), options);
+
+    auto lookAndFeel = Tavrin::App::ServiceRegistry::instance().get<Tavrin::App::ILookAndFeelManager>();
+    Customization::init(lookAndFeel);
+    if (auto* manager = dynamic_cast<Tavrin::App::LookAndFeelManager*>(lookAndFeel.get()))
+        manager->installTranslators(&application);
+    Customization::apply(&application);
+    application.setStyleSheet(Tavrin::Util::applicationStyleSheet());
+    Dialog::initialize(std::make_shared<Dialog::DialogStrategy>());
+    LOG(INFO) << "product: " << Customization::productFullNameLocalized().toStdString() << ", locale "
+              << Customization::currentLocale().toStdString();
+    return locale;
+}
+
+namespace {
+void addHelpLinks(QMenu* menu)
+{
+    struct Link
+    {
+        QString text;
+        Tavrin::URLKeys key;
+    };
+    const Link links[] = {
+        {QCoreApplication::translate("HostServices", "&Help"), Tavrin::URLKeys::HELP_URL_menu},
+        {QCoreApplication::translate("HostServices", "Supported &formats"), Tavrin::URLKeys::HELP_URL_supported_formats},
+        {QCoreApplication::translate("HostServices", "&Support center"), Tavrin::URLKeys::FAQ_URL_menu},
+        {QCoreApplication::translate("HostServices", "&Contact support"), Tavrin::URLKeys::CONTACT_SUPPORT_menu},
+        {QCoreApplication::translate("HostServices", "&Home page"), Tavrin::URLKeys::HOMEPAGE_URL_menu},
+    };
+    for (const Link& link : links) {
+        QAction* action = menu->addAction(link.text);
+        action->setObjectName(QStringLiteral("helpLink_") + Tavrin::toString(link.key));
+        action->setToolTip(Customization::appUrl(link.key));
+        // A product without an address for the key keeps the entry, disabled.
+        action->setEnabled(!action->toolTip().isEmpty());
+        const Tavrin::URLKeys key = link.key;
+        QObject::connect(action, &QAction::triggered, menu, [key] { Customization::openUrl(key); });
+    }
+}
+
+} // namespace
+
+void decorateMainWindow(QMainWindow* window)
+{
+    window->setWindowTitle(Customization::productFullNameLocalized());
+    QMenu* help = window->menuBar()->addMenu(QCoreApplication::translate("HostServices", "&Help"));
+    help->setObjectName(QStringLiteral("helpMenu"));
+    addHelpLinks(help);
+    help->addSeparator();
+    QMenu* dialogs = help->addMenu(QCoreApplication::translate("HostServices", "Standard &dialogs"));
+    dialogs->setObjectName(QStringLiteral("standardDialogsMenu"));
+    DialogGallery::addToMenu(dialogs);
+}
+
+} // namespace HostServices

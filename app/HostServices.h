@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QString>
+
+class QApplication;
+class QMainWindow;
+
+// The host's branding, links, locale and dialogs: reads product.json beside the
+// executable, registers the product services, loads the catalogues of the chosen locale
+// (--locale, else the system's), applies the application style sheet and installs the
+// default dialog strategy.
+namespace HostServices {
+
+// `locale` may be empty (the system's locale is used). Returns the locale in use.
+QString install(QApplication& application, const QString& locale);
+
+// Titles the main window with the product's localized full name and gives it a Help menu
+// with the product's web links and the standard dialogs.
+void decorateMainWindow(QMainWindow* window);
+
+} // namespace HostServices
