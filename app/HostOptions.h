@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+// Options of the reference host itself. They are taken out of the command line before
+// the editor's own parsing sees it, so a host option value is never mistaken for a file.
+struct HostOptions
+{
+    QString screenshotPath;     // --screenshot <file.png>: save the main window once ready, then quit
+    int quitAfterReadyMs = -1;  // --quit-after-ready <ms>: quit that long after the ready notification
+    QString dialogGalleryDir;   // --dialog-gallery <folder>: render every standard dialog and exit
+    QString locale;             // --locale <code>: user-interface locale, e.g. de_DE
+
+    // Removes the host options from `arguments` (element 0 is the program) and returns them.
+    static HostOptions take(QStringList& arguments);
+};

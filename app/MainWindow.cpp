@@ -1,0 +1,225 @@
+#include "MainWindow.h"
+
+#include <EditorCollection/Collection.h>
+
+#include <QApplication>
+#include <QDockWidget>
+#include <QFileInfo>
+#include <QLabel>
+#include <QListWidget>
+#include <QMenuBar>
+#include <QPointer>
+#include <QPushButton>
+#include <QStackedWidget>
+#include <QStatusBar>
+#include <QTimer>
+#include <QToolBar>
+#include <QVBoxLayout>
+
+#include <glog/logging.h>
+
+namespace {
+
+// A collection of the editor whose page lives in the main window.
+class PageCollection : public EditorCollection::ICollection
+{
+public:
+    PageCollection(const QString& name, MainWindow* window) : m_name(name), m_window(window) {}
+    QString name() const override { return m_name; }
+    void showPage() override
+    {
+        if (m_window)
+            m_window->showCollectionPage(m_name);
+    }
+
+private:
+    QString m_name;
+    QPointer<MainWindow> m_window;
+};
+
+QWidget* makePage(const QString& objectName, const QString& title, const QString& text)
+{
+    auto* page = new QWidget;
+    page->setObjectName(objectName);
+    auto* layout = new QVBoxLayout(page);
+    auto* heading = new QLabel(title);
+    heading->setObjectName(QStringLiteral("pageTitle"));
+    QFont font = heading->font();
+    font.setPointSizeF(font.pointSizeF() * 1.6);
+    font.setBold(true);
+    heading->setFont(font);
+    auto* body = new QLabel(text);
+    body->setWordWrap(true);
+    layout->addWidget(heading);
+    layout->addWidget(body);
+    layout->addStretch();
+    return page;
+}
+
+void logCommand(const char* name, const QString& payload = QString())
+{
+    if (payload.isEmpty())
+        LOG(INFO) << "command: " << name;
+    else
+        LOG(INFO) << "command: " << name << ' ' << payload.toStdString();
+}
+
+} // namespace
+
+struct MainWindow::Subscriptions
+{
+    explicit Subscriptions(MainWindow* w)
+        : addFiles(Command::globalObject(),
+                   [w](const Command::AddFiles& m) {
+                       logCommand("AddFiles", m.files.join(QLatin1Char(' ')));
+                       w->addFiles(m.files);
+                   }),
+          show(Command::globalObject(),
+               [w](const Command::ShowMainWindow&) {
+                   logCommand("ShowMainWindow");
+                   w->showNormal();
+                   w->raise();
+                   w->activateWindow();
+               }),
+          hide(Command::globalObject(),
+               [w](const Command::HideMainWindow&) {
+                   logCommand("HideMainWindow");
+                   w->hide();
+               }),
+          tools(Command::globalObject(),
+                [w](const Command::ShowToolsPage&) {
+                    logCommand("ShowToolsPage");
+                    w->pages()->setCurrentWidget(w->toolsPage());
+                }),
+          import(Command::globalObject(),
+                 [w](const Command::ShowImportPage&) {
+                     logCommand("ShowImportPage");
+                     w->pages()->setCurrentWidget(w->importPage());
+                 }),
+          slideshow(Command::globalObject(), [w](const Command::StartSlideshow&) {
+              logCommand("StartSlideshow");
+              w->startSlideshow();
+          })
+    {
+    }
+    PubSub::Subscription<Command::AddFiles> addFiles;
+    PubSub::Subscription<Command::ShowMainWindow> show;
+    PubSub::Subscription<Command::HideMainWindow> hide;
+    PubSub::Subscription<Command::ShowToolsPage> tools;
+    PubSub::Subscription<Command::ShowImportPage> import;
+    PubSub::Subscription<Command::StartSlideshow> slideshow;
+};
+
+MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent)
+{
+    setObjectName(QStringLiteral("mainWindow"));
+    setWindowTitle(QStringLiteral("Klipvane"));
+    resize(1000, 640);
+
+    m_pages = new QStackedWidget;
+    m_pages->setObjectName(QStringLiteral("pages"));
+    m_importPage = makePage(QStringLiteral("importPage"), tr("Import"),
+                            tr("Drop media files here, name them on the command line, or launch the editor "
+                               "again with files: they appear in the media bin."));
+    m_toolsPage = makePage(QStringLiteral("toolsPage"), tr("Tools"), tr("Capture the screen or a camera."));
+    m_slideshowPage = makePage(QStringLiteral("slideshowPage"), tr("Slideshow"), tr("Slideshow mode"));
+    m_slideLabel = new QLabel;
+    m_slideLabel->setObjectName(QStringLiteral("slideLabel"));
+    m_slideLabel->setAlignment(Qt::AlignCenter);
+    m_slideLabel->setMinimumHeight(200);
+    m_slideLabel->setStyleSheet(QStringLiteral("background: #202428; color: white; font-size: 22px;"));
+    static_cast<QVBoxLayout*>(m_slideshowPage->layout())->insertWidget(2, m_slideLabel);
+    m_pages->addWidget(m_importPage);
+    m_pages->addWidget(m_toolsPage);
+    m_pages->addWidget(m_slideshowPage);
+    setCentralWidget(m_pages);
+
+    m_bin = new QListWidget;
+    m_bin->setObjectName(QStringLiteral("mediaBin"));
+    auto* dock = new QDockWidget(tr("Media bin"), this);
+    dock->setObjectName(QStringLiteral("mediaBinDock"));
+    dock->setWidget(m_bin);
+    dock->setFeatures(QDockWidget::NoDockWidgetFeatures);
+    addDockWidget(Qt::LeftDockWidgetArea, dock);
+
+    m_slideTimer = new QTimer(this);
+    m_slideTimer->setInterval(2000);
+    connect(m_slideTimer, &QTimer::timeout, this, &MainWindow::showSlide);
+
+    buildMenus();
+    statusBar()->showMessage(tr("Ready"));
+    m_subscriptions = std::make_unique<Subscriptions>(this);
+}
+
+MainWindow::~MainWindow()
+{
+    for (const QString& name : m_collectionPages.keys())
+        EditorCollection::CollectionProvider::remove(name);
+}
+
+void MainWindow::buildMenus()
+{
+    QMenu* view = menuBar()->addMenu(tr("&View"));
+    view->addAction(tr("&Import"), this, [this] { m_pages->setCurrentWidget(m_importPage); });
+    view->addAction(tr("&Tools"), this, [this] { m_pages->setCurrentWidget(m_toolsPage); });
+    QToolBar* bar = addToolBar(tr("Pages"));
+    bar->setObjectName(QStringLiteral("pagesToolBar"));
+    bar->setMovable(false);
+    bar->addAction(tr("Import"), this, [this] { m_pages->setCurrentWidget(m_importPage); });
+    bar->addAction(tr("Tools"), this, [this] { m_pages->setCurrentWidget(m_toolsPage); });
+}
+
+void MainWindow::addCollectionPage(const QString& name, const QString& description)
+{
+    QWidget* page = makePage(QStringLiteral("collectionPage_") + name, name, description);
+    m_pages->addWidget(page);
+    m_collectionPages.insert(name, page);
+    EditorCollection::CollectionProvider::add(std::make_shared<PageCollection>(name, this));
+    if (auto* bar = findChild<QToolBar*>(QStringLiteral("pagesToolBar")))
+        bar->addAction(name, this, [this, name] { showCollectionPage(name); });
+}
+
+void MainWindow::showCollectionPage(const QString& name)
+{
+    QWidget* page = m_collectionPages.value(name);
+    if (!page)
+        return;
+    LOG(INFO) << "collection: " << name.toStdString();
+    m_pages->setCurrentWidget(page);
+}
+
+void MainWindow::addFiles(const QStringList& files)
+{
+    for (const QString& file : files) {
+        auto* item = new QListWidgetItem(QFileInfo(file).fileName(), m_bin);
+        item->setToolTip(file);
+        item->setData(Qt::UserRole, file);
+    }
+    statusBar()->showMessage(tr("%n file(s) added", nullptr, files.size()));
+    emit filesAdded(files);
+    if (isSlideshowRunning())
+        showSlide();
+}
+
+bool MainWindow::isSlideshowRunning() const
+{
+    return m_slideTimer->isActive();
+}
+
+void MainWindow::startSlideshow()
+{
+    m_pages->setCurrentWidget(m_slideshowPage);
+    m_slide = 0;
+    m_slideTimer->start();
+    showSlide();
+}
+
+void MainWindow::showSlide()
+{
+    if (m_bin->count() == 0) {
+        m_slideLabel->setText(tr("Slideshow: waiting for files"));
+        return;
+    }
+    const int index = m_slide++ % m_bin->count();
+    m_slideLabel->setText(tr("Slide %1 of %2\n%3").arg(index + 1).arg(m_bin->count()).arg(m_bin->item(index)->text()));
+}

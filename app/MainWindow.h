@@ -1,0 +1,56 @@
+#pragma once
+
+#include <CommandProvider.h>
+
+#include <QMainWindow>
+#include <QMap>
+
+#include <memory>
+
+class QLabel;
+class QListWidget;
+class QStackedWidget;
+class QTimer;
+
+// The reference editor's main window: an import page, a tools page, one page per
+// collection and a media bin. It only reacts to commands from the bus; it never decides
+// when they come.
+class MainWindow : public QMainWindow
+{
+    Q_OBJECT
+public:
+    explicit MainWindow(QWidget* parent = nullptr);
+    ~MainWindow() override;
+
+    // Adds a collection page and registers the collection under `name`.
+    void addCollectionPage(const QString& name, const QString& description);
+    void showCollectionPage(const QString& name);
+
+    QStackedWidget* pages() const { return m_pages; }
+    QListWidget* mediaBin() const { return m_bin; }
+    QWidget* toolsPage() const { return m_toolsPage; }
+    QWidget* importPage() const { return m_importPage; }
+    bool isSlideshowRunning() const;
+
+    void addFiles(const QStringList& files);
+    void startSlideshow();
+
+signals:
+    void filesAdded(const QStringList& files);
+
+private:
+    void buildMenus();
+    void showSlide();
+
+    QStackedWidget* m_pages = nullptr;
+    QWidget* m_importPage = nullptr;
+    QWidget* m_toolsPage = nullptr;
+    QWidget* m_slideshowPage = nullptr;
+    QLabel* m_slideLabel = nullptr;
+    QTimer* m_slideTimer = nullptr;
+    int m_slide = 0;
+    QListWidget* m_bin = nullptr;
+    QMap<QString, QWidget*> m_collectionPages;
+    struct Subscriptions;
+    std::unique_ptr<Subscriptions> m_subscriptions;
+};

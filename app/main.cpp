@@ -1,0 +1,90 @@
+// The reference host of EditorAppUtil: a small editor shell that wires every subsystem
+// of the library so that a person (or a test) can watch it work.
+
+#include "HostOptions.h"
+#include "MainWindow.h"
+
+#include <ActionGateway.h>
+#include <CommandProvider.h>
+
+#include <App/ServiceRegistry.h>
+#include <Launcher/Launcher.h>
+#include <Log/Logging.h>
+#include <Util/SpontaneousDialog.h>
+
+#include <QApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QListWidget>
+#include <QScreen>
+#include <QTimer>
+
+#include <glog/logging.h>
+
+namespace {
+
+void registerActionGateway()
+{
+    auto gateway = std::make_shared<Action::Gateway>();
+    Tavrin::App::ServiceRegistry::instance().set<Tavrin::ExternalStimulus::IGateway>(gateway);
+}
+
+void saveScreenshot(MainWindow& window, const QString& path)
+{
+    QDir().mkpath(QFileInfo(path).absolutePath());
+    const QPixmap shot = window.grab();
+    if (shot.save(path))
+        LOG(INFO) << "screenshot: " << QFileInfo(path).absoluteFilePath().toStdString();
+    else
+        LOG(ERROR) << "Could not save the screenshot to " << path.toStdString();
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    Tavrin::Log::init(argv[0]);
+
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i)
+        arguments << QString::fromLocal8Bit(argv[i]);
+    const HostOptions options = HostOptions::take(arguments);
+    Launcher::instance().setArguments(arguments);
+
+    QApplication application(argc, argv);
+    QApplication::setOrganizationName(QStringLiteral("Klipvane"));
+    QApplication::setApplicationName(QStringLiteral("Klipvane"));
+
+    registerActionGateway();
+
+    // Created first: it reads the mode and the files of this launch and holds them until
+    // the window announces itself ready.
+    CommandProvider provider;
+
+    MainWindow window;
+    Tavrin::Util::SpontaneousDialog::setMainWindow(&window);
+    window.addCollectionPage(QStringLiteral("UserFiles"), QObject::tr("Files you added from outside the editor."));
+    window.addCollectionPage(QStringLiteral("Effects"), QObject::tr("Filters, transitions and titles."));
+
+    window.show();
+    PubSub::publish(Command::ReadyNotification());
+
+    // Start-up work goes through the gateway, so it waits if a blocking dialog is up.
+    Action::proposeAction(Action::ACTION_STARTUP, [&window] {
+        LOG(INFO) << "startup: " << window.mediaBin()->count() << " file(s) in the media bin";
+    });
+
+    if (!options.screenshotPath.isEmpty()) {
+        // Let the window lay out and paint before it is grabbed.
+        QTimer::singleShot(options.quitAfterReadyMs >= 0 ? options.quitAfterReadyMs : 800, &window, [&] {
+            saveScreenshot(window, options.screenshotPath);
+            QApplication::quit();
+        });
+    } else if (options.quitAfterReadyMs >= 0) {
+        QTimer::singleShot(options.quitAfterReadyMs, &application, &QApplication::quit);
+    }
+
+    const int status = QApplication::exec();
+    LOG(INFO) << "exit: " << status;
+    return status;
+}

@@ -1,0 +1,30 @@
+#!/bin/sh
+# Installs what the build needs (Debian 12), configures and builds. Idempotent: packages
+# already present are not touched, and an up-to-date build does nothing.
+set -eu
+ROOT=$(cd "$(dirname "$0")/.." && pwd)
+BUILD=${KLIPVANE_BUILD_DIR:-$ROOT/build}
+
+PACKAGES="build-essential cmake ninja-build ccache pkg-config git
+  qtbase5-dev qttools5-dev-tools qttools5-dev libqt5opengl5-dev
+  libboost-dev libgoogle-glog-dev
+  libavformat-dev libavcodec-dev libavutil-dev ffmpeg
+  xvfb xauth clang libsingleapplication-dev fonts-dejavu-core"
+
+missing=""
+for p in $PACKAGES; do
+    dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing="$missing $p"
+done
+if [ -n "$missing" ]; then
+    echo "setup: installing$missing"
+    SUDO=""
+    [ "$(id -u)" -eq 0 ] || SUDO=sudo
+    $SUDO apt-get update -qq
+    DEBIAN_FRONTEND=noninteractive $SUDO apt-get install -y -qq --no-install-recommends $missing >/dev/null
+fi
+
+export CCACHE_BASEDIR="$ROOT"
+if [ ! -f "$BUILD/build.ninja" ]; then
+    cmake -S "$ROOT" -B "$BUILD" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo
+fi
+cmake --build "$BUILD"

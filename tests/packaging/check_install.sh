@@ -1,0 +1,12 @@
+#!/bin/sh
+# Installs the build into a scratch prefix and builds a consumer with find_package.
+set -eu
+BUILD=$1
+SOURCE=$2
+WORK=$(mktemp -d)
+trap 'rm -rf "$WORK"' EXIT
+cmake --install "$BUILD" --prefix "$WORK/prefix" >/dev/null
+cmake -S "$SOURCE" -B "$WORK/consumer" -DCMAKE_PREFIX_PATH="$WORK/prefix" >/dev/null
+cmake --build "$WORK/consumer" >/dev/null
+LD_LIBRARY_PATH="$WORK/prefix/lib" "$WORK/consumer/c"
+echo "installed package builds and runs a consumer"
