@@ -5,8 +5,6 @@
 
 #include <QHash>
 
-#include <bitset>
-#include <iterator>
 
 namespace Tavrin {
 namespace Conf {
@@ -52,21 +50,6 @@ constexpr CodecName codecNames[] = {
     {QLatin1String("alac"), "Apple Lossless"},
 };
 
-constexpr LayoutRecord layouts[] = {
-    {0x4, 1, "mono"},
-    {0x3, 2, "stereo"},
-    {0xB, 3, "2.1"},
-    {0x7, 3, "3.0"},
-    {0x33, 4, "quad"},
-    {0x107, 4, "4.0"},
-    {0x37, 5, "5.0(back)"},
-    {0x607, 5, "5.0(side)"},
-    {0x3F, 6, "5.1(back)"},
-    {0x60F, 6, "5.1(side)"},
-    {0x70F, 7, "6.1"},
-    {0x63F, 8, "7.1"},
-};
-
 } // namespace
 
 bool TranslateCodecId(const QString& codecId, QString& name)
@@ -94,21 +77,6 @@ bool isCodecDeclaredUnsupported(const QString& codecId)
     if (codecId == IFormatCodecVideo::CODEC_ID_H265 && Settings::value(H265DecodingSettingKey).toBool())
         return false;
     return true;
-}
-
-const LayoutRecord* LayoutRecord::Find(quint64 layout)
-{
-    for (const LayoutRecord& record : layouts)
-        if (record.layout == layout)
-            return &record;
-    return nullptr;
-}
-
-int LayoutRecord::channelCount(quint64 layout)
-{
-    if (const LayoutRecord* record = Find(layout))
-        return record->channels;
-    return int(std::bitset<64>(layout).count());
 }
 
 } // namespace Conf

@@ -49,20 +49,5 @@ constexpr QLatin1String H265DecodingSettingKey{"Media/H265DecodingEnabled"};
 // True when the configuration declares the codec unsupported and no setting lifts that.
 bool isCodecDeclaredUnsupported(const QString& codecId);
 
-// A channel layout: the bit mask of its speakers (the decoding engine's channel bits),
-// the number of channels and a display name.
-struct LayoutRecord
-{
-    quint64 layout;
-    int channels;
-    const char* name;
-
-    // The record of a layout mask, or null for a mask that is no known layout (an unknown
-    // mask still has channelCount() channels).
-    static const LayoutRecord* Find(quint64 layout);
-    // Channels of any mask: the known layout's count, else the number of speaker bits.
-    static int channelCount(quint64 layout);
-};
-
 } // namespace Conf
 } // namespace Tavrin

@@ -17,8 +17,6 @@ private slots:
     void translate_data();
     void translate();
     void h265DeclaredUnsupportedUntilSwitchedOn();
-    void layouts_data();
-    void layouts();
     void processingErrorCodeIsSecondVirtual();
 
 private:
@@ -61,31 +59,6 @@ void tst_Codecs::h265DeclaredUnsupportedUntilSwitchedOn()
     QVERIFY(!isCodecDeclaredUnsupported(IFormatCodecVideo::CODEC_ID_H265));
     Settings::remove(H265DecodingSettingKey);
     QCOMPARE(codecIdFromEngineName(QStringLiteral("hevc")), QString(IFormatCodecVideo::CODEC_ID_H265));
-}
-
-void tst_Codecs::layouts_data()
-{
-    QTest::addColumn<quint64>("mask");
-    QTest::addColumn<bool>("known");
-    QTest::addColumn<int>("channels");
-    QTest::newRow("mono") << quint64(0x4) << true << 1;
-    QTest::newRow("stereo") << quint64(0x3) << true << 2;
-    QTest::newRow("5.1") << quint64(0x60F) << true << 6;
-    QTest::newRow("7.1") << quint64(0x63F) << true << 8;
-    QTest::newRow("odd mask") << quint64(0x5) << false << 2;
-    QTest::newRow("none") << quint64(0) << false << 0;
-}
-
-void tst_Codecs::layouts()
-{
-    QFETCH(quint64, mask);
-    QFETCH(bool, known);
-    QFETCH(int, channels);
-    const LayoutRecord* record = LayoutRecord::Find(mask);
-    QCOMPARE(record != nullptr, known);
-    if (record)
-        QCOMPARE(record->channels, channels);
-    QCOMPARE(LayoutRecord::channelCount(mask), channels);
 }
 
 namespace {
