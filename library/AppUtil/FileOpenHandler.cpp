@@ -67,8 +67,8 @@ void FileOpenHandler::fileRemoved(const Media::File* file)
         d->processed.remove(file);
     unsubscribe(file);
     // The files left may all have reported already; without a request the batch would
-    // wait for the next file added.
-    if (!d->added.isEmpty())
+    // wait for the next file added. A removal from within a pass belongs to that pass.
+    if (!d->added.isEmpty() && !processingInProgress)
         d->scheduler.schedule();
 }
 

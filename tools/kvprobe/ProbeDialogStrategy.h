@@ -2,6 +2,8 @@
 
 #include <Dialog/DialogStrategy.h>
 
+#include <Media/File.h>
+
 #include <QMessageBox>
 #include <QStringList>
 

@@ -11,6 +11,7 @@
 #include <FileOpenHandler.h>
 #include <MediaStatistics.h>
 
+#include <App/ProductServices.h>
 #include <Log/Logging.h>
 #include <Media/FilePool.h>
 
@@ -19,6 +20,8 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+
+#include <glog/logging.h>
 
 #include <cstdio>
 #include <optional>
@@ -44,6 +47,15 @@ private:
         QCoreApplication::quit();
     }
 };
+
+// The product's names and addresses, for the texts of the report (the support link).
+void registerProbeServices()
+{
+    QString problem;
+    if (!Tavrin::App::registerProductServices(QCoreApplication::applicationDirPath() + QStringLiteral("/product.json"),
+                                              {}, &problem))
+        LOG(INFO) << "kvprobe runs without the product description: " << problem.toStdString();
+}
 
 void printUsage()
 {
