@@ -68,6 +68,20 @@ void tst_FilePool::initTestCase()
     m_media = TestMedia::folder();
     if (m_media.isEmpty())
         QSKIP("ffmpeg is not installed: no test media");
+
+    // FFmpeg stays out of the process until the first file is opened.
+    auto ffmpegMapped = [] {
+        QFile maps(QStringLiteral("/proc/self/maps"));
+        return maps.open(QIODevice::ReadOnly) && maps.readAll().contains("libavformat");
+    };
+    QVERIFY(!ffmpegMapped());
+    QVERIFY(!Media::isMediaReaderLoaded());
+    FilePool pool;
+    QSignalSpy idle(&pool, &FilePool::idle);
+    pool.addFile(m_media + QStringLiteral("/h264_tiny.mp4"));
+    QVERIFY(idle.wait(20000));
+    QVERIFY(Media::isMediaReaderLoaded());
+    QVERIFY(ffmpegMapped());
 }
 
 void tst_FilePool::outcome_data()
