@@ -7,6 +7,7 @@
 #include "TestMedia.h"
 
 #include <QFile>
+#include <sys/stat.h>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -53,6 +54,8 @@ private slots:
     void viewRemovingFileStopsLaterViews();
     void manyFilesAllEnd();
     void unreadableFileFails();
+    void vanishingFilesEnd();
+    void fifoIsRefused();
     void evaluateRule_data();
     void evaluateRule();
 
@@ -262,6 +265,40 @@ void tst_FilePool::unreadableFileFails()
     QFile::setPermissions(path, QFileDevice::Permissions());
     if (QFileInfo(path).isReadable())
         QSKIP("running with rights that read any file");
+    FilePool pool;
+    QSignalSpy failed(&pool, &FilePool::fileFailed);
+    const File* file = pool.addFile(path);
+    QVERIFY(failed.wait(20000));
+    QCOMPARE(file->errors().front().code(), 36);
+}
+
+void tst_FilePool::vanishingFilesEnd()
+{
+    // Files deleted while the pool opens them: each still ends, opened or failed.
+    QTemporaryDir dir;
+    QStringList paths;
+    for (int i = 0; i < 40; ++i) {
+        paths << dir.filePath(QStringLiteral("clip%1.mp4").arg(i));
+        QVERIFY(QFile::copy(m_media + QStringLiteral("/h264_1080p.mp4"), paths.last()));
+    }
+    FilePool pool;
+    QSignalSpy opened(&pool, &FilePool::fileOpened);
+    QSignalSpy failed(&pool, &FilePool::fileFailed);
+    const QList<const File*> files = pool.addFiles(paths);
+    for (const QString& path : paths)
+        QFile::remove(path);
+    QVERIFY(QTest::qWaitFor([&] { return pool.openingCount() == 0; }, 20000));
+    QCOMPARE(opened.count() + failed.count(), 40);
+    for (const File* file : files)
+        QVERIFY(file->isOpened() || (file->isFailed() && file->errors().front().code() == 36));
+}
+
+void tst_FilePool::fifoIsRefused()
+{
+    // A FIFO never delivers an end of file; it must fail at once instead of holding a worker.
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("pipe.mp4"));
+    QVERIFY(::mkfifo(QFile::encodeName(path).constData(), 0600) == 0);
     FilePool pool;
     QSignalSpy failed(&pool, &FilePool::fileFailed);
     const File* file = pool.addFile(path);
