@@ -9,6 +9,8 @@
 
 #include <glog/logging.h>
 
+#include <exception>
+
 namespace Action {
 
 const char* const ACTION_STARTUP = "STARTUP";
@@ -140,8 +142,15 @@ void proposeAction(const std::string& name, const std::function<void()>& functio
     if (!gateway) {
         // Nothing gates actions in a host without a gateway: run it rather than lose it.
         LOG(WARNING) << "No action gateway registered; running " << name << " at once";
-        if (function)
+        if (!function)
+            return;
+        try {
             function();
+        } catch (const std::exception& e) {
+            LOG(ERROR) << "Action " << name << " failed: " << e.what();
+        } catch (...) {
+            LOG(ERROR) << "Action " << name << " failed";
+        }
         return;
     }
     gateway->ProposeAction(Action{name, function});
