@@ -1,3 +1,4 @@
+#include "TestSandbox.h"
 #include "MediaTestServices.h"
 #include "ScriptedDialogStrategy.h"
 #include "TestMedia.h"

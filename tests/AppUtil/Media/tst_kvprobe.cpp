@@ -1,4 +1,5 @@
 // The probe tool as a support engineer runs it: a real process on generated media.
+#include "TestSandbox.h"
 #include "TestMedia.h"
 
 #include <QJsonArray>

@@ -1,4 +1,5 @@
 // The reference host's media bin over the real media model.
+#include "TestSandbox.h"
 #include "MediaTestServices.h"
 #include "ScriptedDialogStrategy.h"
 #include "TestMedia.h"

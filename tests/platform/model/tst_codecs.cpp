@@ -1,3 +1,4 @@
+#include "TestSandbox.h"
 #include <Conf/Codecs.h>
 #include <Conf/FormatConfiguration.h>
 #include <Proc/ProcessingError.h>

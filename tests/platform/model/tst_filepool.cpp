@@ -1,3 +1,4 @@
+#include "TestSandbox.h"
 #include <Conf/Codecs.h>
 #include <Media/FilePool.h>
 #include <Media/FileView.h>
