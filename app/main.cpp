@@ -5,6 +5,7 @@
 #include "HostOptions.h"
 #include "HostServices.h"
 #include "MainWindow.h"
+#include "MediaBin.h"
 
 #include <ActionGateway.h>
 #include <CommandProvider.h>
@@ -73,6 +74,10 @@ int main(int argc, char** argv)
     HostServices::decorateMainWindow(&window);
     window.addCollectionPage(QStringLiteral("UserFiles"), QObject::tr("Files you added from outside the editor."));
     window.addCollectionPage(QStringLiteral("Effects"), QObject::tr("Filters, transitions and titles."));
+
+    // Files reaching the bin are opened by the media model; the bin reports each batch.
+    MediaBin mediaBin(window.mediaBin());
+    QObject::connect(&window, &MainWindow::filesAdded, &mediaBin, &MediaBin::addFiles);
 
     window.show();
     PubSub::publish(Command::ReadyNotification());

@@ -54,6 +54,9 @@ bool FormatConfiguration::load(const QByteArray& json)
             m_groupOrder << name;
         m_groups.insert(name, extensions);
     }
+    m_unsupportedCodecs.clear();
+    for (const QJsonValue& codec : document.object().value(QStringLiteral("unsupportedCodecs")).toArray())
+        m_unsupportedCodecs << codec.toString();
     return true;
 }
 

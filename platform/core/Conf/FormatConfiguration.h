@@ -19,6 +19,10 @@ public:
     QStringList extensions(const QString& group) const { return m_groups.value(group); }
     QStringList allExtensions() const;
 
+    // Codec identifiers the product declares it cannot decode although a decoder may exist
+    // (no licence for it): the "unsupportedCodecs" list of the configuration.
+    QStringList declaredUnsupportedCodecs() const { return m_unsupportedCodecs; }
+
     // Parses a configuration; false (and a log line) when the text is not one.
     bool load(const QByteArray& json);
 
@@ -26,6 +30,7 @@ private:
     FormatConfiguration();
     QStringList m_groupOrder;
     QHash<QString, QStringList> m_groups;
+    QStringList m_unsupportedCodecs;
 };
 
 } // namespace Conf

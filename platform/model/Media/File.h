@@ -1,6 +1,7 @@
 #pragma once
 
 #include "MediaTime.h"
+#include "Proc/ProcessingError.h"
 
 #include <QSize>
 #include <QString>
@@ -19,6 +20,8 @@ struct VideoTrack
     double frameRate = 0.0;
     qint64 bitRate = 0;       // bits per second, 0 when unknown
     QString transfer;         // colour transfer ("bt709", "smpte2084", "arib-std-b67", ...)
+    QString primaries;        // colour primaries ("bt709", "bt2020", ...)
+    QString pixelFormat;      // the decoder's pixel format ("yuv420p", "yuv420p10le", ...)
     bool coverArt = false;    // an attached picture, not a moving video
 
     bool isCoverArt() const { return coverArt; }
@@ -31,6 +34,7 @@ struct AudioTrack
     qint64 bitRate = 0;
     quint64 channelLayout = 0; // channel mask, resolved with Tavrin::Conf::LayoutRecord::Find
     int channels = 0;
+    QString sampleFormat;      // "fltp", "s16", ...
 };
 
 // A media file of the project, as the editing model knows it. It starts opening when it
@@ -69,6 +73,16 @@ public:
     void setUnsupportedCodecs(const QStringList& codecs) { m_unsupported = codecs; }
     void setState(State state) { m_state = state; }
 
+    // Why the file failed: the processing errors reported when it was opened (empty while
+    // opening and when opened).
+    const std::vector<Tavrin::Proc::ProcessingError>& errors() const { return m_errors; }
+    void setErrors(std::vector<Tavrin::Proc::ProcessingError> errors) { m_errors = std::move(errors); }
+    // Size in bytes and the container's overall bit rate (0 when unknown).
+    qint64 fileSize() const { return m_size; }
+    void setFileSize(qint64 size) { m_size = size; }
+    qint64 bitRate() const { return m_bitRate; }
+    void setBitRate(qint64 bitRate) { m_bitRate = bitRate; }
+
 private:
     QString m_path;
     QString m_format;
@@ -77,6 +91,9 @@ private:
     MediaTime m_duration;
     QStringList m_unsupported;
     State m_state = State::Opening;
+    std::vector<Tavrin::Proc::ProcessingError> m_errors;
+    qint64 m_size = 0;
+    qint64 m_bitRate = 0;
 };
 
 inline bool File::hasHDRStreams() const

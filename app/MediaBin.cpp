@@ -1,0 +1,233 @@
+#include "MediaBin.h"
+
+#include <Dialog/DialogStrategy.h>
+#include <ErrorDescription.h>
+
+#include <Conf/Codecs.h>
+
+#include <QApplication>
+#include <QFileInfo>
+#include <QListWidget>
+#include <QMenu>
+#include <QPainter>
+#include <QStyle>
+#include <QStyledItemDelegate>
+
+#include <glog/logging.h>
+
+namespace {
+
+QString duration(MediaTime time)
+{
+    const qint64 seconds = time.milliseconds() / 1000;
+    return QStringLiteral("%1:%2").arg(seconds / 60).arg(seconds % 60, 2, 10, QLatin1Char('0'));
+}
+
+QString codecName(const QString& id)
+{
+    QString name = id;
+    Tavrin::Conf::TranslateCodecId(id, name);
+    return name;
+}
+
+QString facts(const Media::File* file)
+{
+    if (file->isOpening())
+        return MediaBin::tr("Opening...");
+    if (file->isFailed()) {
+        const QString reason = file->errors().empty()
+            ? QString()
+            : Error::describeTranscodingError(file->errors().front(), Error::Analyze);
+        return MediaBin::tr("Can't be opened: %1").arg(reason);
+    }
+    QStringList parts;
+    for (const Media::VideoTrack& video : file->videoTracks()) {
+        if (video.isCoverArt())
+            continue;
+        parts << QStringLiteral("%1 %2\u00d7%3").arg(codecName(video.codecId)).arg(video.frameSize.width()).arg(video.frameSize.height());
+        if (video.frameRate > 0)
+            parts << MediaBin::tr("%1 fps").arg(video.frameRate, 0, 'f', video.frameRate == int(video.frameRate) ? 0 : 2);
+        break;
+    }
+    if (!file->audioTracks().empty()) {
+        const Media::AudioTrack& audio = file->audioTracks().front();
+        parts << MediaBin::tr("%1 %2 Hz").arg(codecName(audio.codecId)).arg(audio.sampleRate);
+    }
+    if (file->fileDuration().microseconds() > 0)
+        parts << duration(file->fileDuration());
+    if (file->hasHDRStreams())
+        parts << MediaBin::tr("HDR");
+    if (!file->unsupportedCodecs().isEmpty()) {
+        QStringList names;
+        for (const QString& id : file->unsupportedCodecs())
+            names << codecName(id);
+        parts << MediaBin::tr("unsupported: %1").arg(names.join(QStringLiteral(", ")));
+    }
+    return parts.join(QStringLiteral(" \u00b7 "));
+}
+
+// Two lines per item: the name as the list shows it, then the facts in a smaller, quieter font.
+class BinItemDelegate : public QStyledItemDelegate
+{
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override
+    {
+        QStyleOptionViewItem first = option;
+        initStyleOption(&first, index);
+        const QString factsLine = index.data(MediaBin::FactsRole).toString();
+        QStyle* style = first.widget ? first.widget->style() : QApplication::style();
+        first.text.clear();
+        style->drawControl(QStyle::CE_ItemViewItem, &first, painter, first.widget);
+
+        const QRect text = style->subElementRect(QStyle::SE_ItemViewItemText, &first, first.widget);
+        const int half = text.height() / 2;
+        painter->save();
+        painter->setPen(option.palette.color(option.state & QStyle::State_Selected ? QPalette::HighlightedText
+                                                                                    : QPalette::Text));
+        painter->drawText(text.adjusted(2, 0, 0, -half), Qt::AlignLeft | Qt::AlignVCenter,
+                          option.fontMetrics.elidedText(index.data(Qt::DisplayRole).toString(), Qt::ElideMiddle, text.width()));
+        QFont small = option.font;
+        small.setPointSizeF(small.pointSizeF() * 0.85);
+        painter->setFont(small);
+        if (!(option.state & QStyle::State_Selected))
+            painter->setPen(option.palette.color(QPalette::Disabled, QPalette::Text));
+        painter->drawText(text.adjusted(2, half, 0, 0), Qt::AlignLeft | Qt::AlignVCenter,
+                          QFontMetrics(small).elidedText(factsLine, Qt::ElideRight, text.width()));
+        painter->restore();
+    }
+
+    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override
+    {
+        QSize size = QStyledItemDelegate::sizeHint(option, index);
+        size.setHeight(std::max(size.height(), option.fontMetrics.height() * 2 + 6));
+        return size;
+    }
+};
+
+} // namespace
+
+MediaBin::MediaBin(QListWidget* bin, QObject* parent) : QObject(parent), m_bin(bin)
+{
+    m_pool.addView(this);
+    m_bin->setItemDelegate(new BinItemDelegate(m_bin));
+    m_bin->setContextMenuPolicy(Qt::CustomContextMenu);
+    m_bin->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    connect(m_bin, &QWidget::customContextMenuRequested, this, &MediaBin::showContextMenu);
+    connect(m_bin, &QListWidget::itemActivated, this, &MediaBin::showFileInfo);
+    auto track = [this](const Media::File* file) { refresh(file); };
+    connect(&m_pool, &Media::FilePool::fileOpened, this, track);
+    connect(&m_pool, &Media::FilePool::fileFailed, this, track);
+}
+
+MediaBin::~MediaBin()
+{
+    m_pool.removeView(this);
+}
+
+const Media::File* MediaBin::fileOf(const QListWidgetItem* item) const
+{
+    for (auto it = m_items.cbegin(); it != m_items.cend(); ++it)
+        if (it.value() == item)
+            return it.key();
+    return nullptr;
+}
+
+void MediaBin::addFiles(const QStringList& files)
+{
+    const int first = m_bin->count() - files.size();
+    if (first < 0)
+        return;
+    for (int i = 0; i < files.size(); ++i) {
+        QListWidgetItem* item = m_bin->item(first + i);
+        const Media::File* file = m_pool.addFile(files[i]);
+        m_items.insert(file, item);
+        refresh(file);
+    }
+}
+
+void MediaBin::refresh(const Media::File* file)
+{
+    QListWidgetItem* item = m_items.value(file);
+    if (!item)
+        return;
+    QStyle* style = m_bin->style();
+    QString state;
+    QIcon icon;
+    if (file->isOpening()) {
+        state = QStringLiteral("opening");
+        icon = style->standardIcon(QStyle::SP_BrowserReload);
+    } else if (file->isFailed()) {
+        state = QStringLiteral("failed");
+        icon = style->standardIcon(QStyle::SP_MessageBoxCritical);
+    } else if (!file->unsupportedCodecs().isEmpty()) {
+        state = QStringLiteral("opened");
+        icon = style->standardIcon(QStyle::SP_MessageBoxWarning);
+    } else {
+        state = QStringLiteral("opened");
+        icon = style->standardIcon(file->videoTracks().empty() ? QStyle::SP_MediaVolume : QStyle::SP_FileIcon);
+    }
+    item->setIcon(icon);
+    item->setData(StateRole, state);
+    item->setData(FactsRole, facts(file));
+    item->setToolTip(file->filePath() + QLatin1Char('\n') + facts(file));
+}
+
+void MediaBin::showContextMenu(const QPoint& position)
+{
+    QListWidgetItem* item = m_bin->itemAt(position);
+    if (!item)
+        return;
+    const Media::File* file = fileOf(item);
+    QMenu menu(m_bin);
+    QAction* info = menu.addAction(tr("File information..."));
+    info->setObjectName(QStringLiteral("fileInfoAction"));
+    info->setEnabled(file && file->isOpened());
+    QAction* remove = menu.addAction(tr("Remove from project"));
+    remove->setObjectName(QStringLiteral("removeFileAction"));
+    QAction* chosen = menu.exec(m_bin->viewport()->mapToGlobal(position));
+    if (chosen == info)
+        showFileInfo(item);
+    else if (chosen == remove)
+        removeItem(item);
+}
+
+void MediaBin::showFileInfo(QListWidgetItem* item)
+{
+    const Media::File* file = fileOf(item);
+    if (file && file->isOpened())
+        Dialog::showFileInfo(file);
+}
+
+void MediaBin::removeItem(QListWidgetItem* item)
+{
+    const Media::File* file = fileOf(item);
+    if (file) {
+        m_items.remove(file);
+        m_pool.removeFile(file);
+    }
+    delete item;
+}
+
+bool MediaBin::allowToDeleteClips(const AnalyzedProduct&)
+{
+    return true;
+}
+
+void MediaBin::postProcessing(AnalyzedProduct product)
+{
+    LOG(INFO) << "media batch: " << product.failedFiles.size() << " failed, "
+              << product.openedUnsupportedCodecFiles.size() << " opened with unsupported codecs, HDR "
+              << (product.hasHDR ? "yes" : "no");
+    if (!product.failedFiles.empty() || !product.openedUnsupportedCodecFiles.empty()) {
+        if (showFailedFilesDialog(product)) {
+            for (const Media::File* file : product.failedFiles)
+                if (QListWidgetItem* item = m_items.value(file))
+                    removeItem(item);
+        }
+    }
+    if (product.hasHDR)
+        showHDRFilesAddedDialog();
+    emit batchReported(int(product.failedFiles.size()));
+}

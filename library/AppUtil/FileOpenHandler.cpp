@@ -1,0 +1,228 @@
+#include "FileOpenHandler.h"
+
+#include "Customization.h"
+#include "Dialog/DialogStrategy.h"
+#include <Util/GeneralButtonsTr.h>
+#include "MediaStatistics.h"
+
+
+#include <Conf/Codecs.h>
+#include <FileUtil/FileUtil.h>
+#include <Settings/Settings.h>
+#include <Util/Scheduler.h>
+
+#include <QCoreApplication>
+#include <QSet>
+
+#include <algorithm>
+
+namespace {
+
+// One pass at a time in the whole process: a dialog of one handler runs a nested event
+// loop, which would otherwise deliver another handler's (or its own) scheduled pass.
+bool processingInProgress = false;
+
+const QString hdrDontShowKey = QStringLiteral("HDRFilesInfoDontShow");
+
+template <class F>
+struct ScopeExit
+{
+    F f;
+    ~ScopeExit() { f(); }
+};
+template <class F>
+ScopeExit(F) -> ScopeExit<F>;
+
+} // namespace
+
+struct FileOpenHandler::Impl
+{
+    explicit Impl(FileOpenHandler* owner) : scheduler(owner, &FileOpenHandler::makeProcessing, 0) {}
+
+    QSet<const Media::File*> processed;
+    QList<const Media::File*> added;
+    std::multimap<int, const Media::File*> errors;
+    Tavrin::Util::Scheduler<FileOpenHandler> scheduler;
+    bool hdrNoticeShown = false;
+};
+
+FileOpenHandler::FileOpenHandler() : d(std::make_unique<Impl>(this)) {}
+
+FileOpenHandler::~FileOpenHandler() = default;
+
+const std::multimap<int, const Media::File*>& FileOpenHandler::errorRecord() const
+{
+    return d->errors;
+}
+
+void FileOpenHandler::fileAdded(const Media::File* file)
+{
+    d->added.append(file);
+    subscribe(file);
+}
+
+void FileOpenHandler::fileRemoved(const Media::File* file)
+{
+    if (d->added.removeAll(file) > 0 && (file->isOpened() || file->isFailed()))
+        d->processed.remove(file);
+    unsubscribe(file);
+    // The files left may all have reported already; without a request the batch would
+    // wait for the next file added. A removal from within a pass belongs to that pass.
+    if (!d->added.isEmpty() && !processingInProgress)
+        d->scheduler.schedule();
+}
+
+void FileOpenHandler::fileOpened(const Media::File* file)
+{
+    d->processed.insert(file);
+    d->scheduler.schedule();
+}
+
+void FileOpenHandler::fileFailed(const Media::File* file)
+{
+    d->processed.insert(file);
+    d->scheduler.schedule();
+}
+
+void FileOpenHandler::notify(const Media::FileOpenFailedNotification& notification)
+{
+    for (const Tavrin::Proc::ProcessingError& error : notification.errors)
+        d->errors.emplace(error.code(), notification.source());
+}
+
+FileOpenHandler::ErrorType FileOpenHandler::resolve(const Media::File* file)
+{
+    return file->isFailed() ? Failed : None;
+}
+
+void FileOpenHandler::postProcessing(AnalyzedProduct) {}
+
+bool FileOpenHandler::allowToDeleteClips(const AnalyzedProduct&)
+{
+    return false;
+}
+
+void FileOpenHandler::makeProcessing()
+{
+    if (processingInProgress)
+        return;
+    processingInProgress = true;
+    ScopeExit reset{[] { processingInProgress = false; }};
+    processing();
+}
+
+void FileOpenHandler::processing()
+{
+    if (processedFilesCount() < totalFilesCount())
+        return;
+    ScopeExit endBatch{[this] { clear(); }};
+    const AnalyzedProduct product = makeFilesAnalyze();
+    postProcessing(product);
+}
+
+void FileOpenHandler::clear()
+{
+    d->added.clear();
+    d->processed.clear();
+}
+
+FileOpenHandler::AnalyzedProduct FileOpenHandler::makeFilesAnalyze()
+{
+    AnalyzedProduct product;
+    for (const Media::File* file : qAsConst(d->added)) {
+        const bool unsupported = !file->unsupportedCodecs().isEmpty();
+        if (resolve(file) == None) {
+            if (unsupported)
+                product.openedUnsupportedCodecFiles.insert(file);
+        } else {
+            product.failedFiles.insert(file);
+            if (unsupported)
+                product.failedUnsupportedCodecFiles.insert(file);
+        }
+        if (!product.hasHDR)
+            product.hasHDR = Media::File::hasHDRStreams(file);
+    }
+    return product;
+}
+
+const QList<const Media::File*>& FileOpenHandler::addedFiles() const
+{
+    return d->added;
+}
+
+int FileOpenHandler::processedFilesCount() const
+{
+    return d->processed.size();
+}
+
+int FileOpenHandler::totalFilesCount() const
+{
+    return d->added.size();
+}
+
+bool FileOpenHandler::showFailedFilesDialog(AnalyzedProduct product)
+{
+    sendFailedCodecsStatistics(product);
+
+    std::set<const Media::File*> unsupported = product.failedUnsupportedCodecFiles;
+    unsupported.insert(product.openedUnsupportedCodecFiles.begin(), product.openedUnsupportedCodecFiles.end());
+    std::set<const Media::File*> h265Files;
+    for (const Media::File* file : unsupported)
+        if (file->unsupportedCodecs().contains(Tavrin::Conf::IFormatCodecVideo::CODEC_ID_H265, Qt::CaseSensitive))
+            h265Files.insert(file);
+
+    const bool deletionOffered = allowToDeleteClips(product);
+    bool answer = false;
+    if (!h265Files.empty()) {
+        answer = Dialog::showHasH265FailedFiles(h265Files);
+    } else {
+        // Only point at codecs when every failure has an unsupported codec or an opened file
+        // has one; otherwise some failure has another cause and the generic text fits better.
+        QString message;
+        const bool otherCause = product.failedFiles.size() != product.failedUnsupportedCodecFiles.size()
+            && product.openedUnsupportedCodecFiles.empty();
+        if (!otherCause)
+            message = QCoreApplication::translate("mainWindow.codecWarningWindow",
+                                                  "Some videos used in this project could not be opened. They may be "
+                                                  "corrupted, or their codecs <a href=\"%1\">are not supported.</a>")
+                          .arg(Customization::supportedFormatsURL());
+        answer = Dialog::showHasFailedFiles(deletionOffered, message);
+    }
+    PubSub::publish(Statistics::DeleteFailedFilesEventNotification(deletionOffered, answer));
+    return answer;
+}
+
+void FileOpenHandler::showHDRFilesAddedDialog()
+{
+    if (d->hdrNoticeShown || Settings::dontShowDialog(hdrDontShowKey))
+        return;
+    const QString title = QCoreApplication::translate("mainWindow.hdrColorConversionDialog", "Automatic color conversion");
+    const QString text = QCoreApplication::translate(
+                             "mainWindow.hdrColorConversionDialog",
+                             "You've added an HDR video. We've converted it to SDR so the colors in the video are "
+                             "correctly displayed within the program. The changes won't affect anything "
+                             "you\u2019re working on in %1")
+                             .arg(Customization::productFullName());
+    const int result = Dialog::showInfo(title, text, GeneralButtonsTr::gotIt(), GeneralButtonsTr::doNotShowThisAgain());
+    if (result & 1)
+        Settings::setDontShowDialog(hdrDontShowKey, true);
+    d->hdrNoticeShown = true;
+}
+
+void FileOpenHandler::sendFailedCodecsStatistics(const AnalyzedProduct& product)
+{
+    std::set<const Media::File*> files = product.failedUnsupportedCodecFiles;
+    files.insert(product.openedUnsupportedCodecFiles.begin(), product.openedUnsupportedCodecFiles.end());
+    for (const Media::File* file : files) {
+        const QStringList codecs = file->unsupportedCodecs();
+        if (codecs.isEmpty())
+            continue;
+        QStringList names;
+        for (const QString& codec : codecs) {
+            QString name;
+            names << (Tavrin::Conf::TranslateCodecId(codec, name) ? name : codec);
+        }
+        if (!names.isEmpty())
+            PubSub::publish(Statistics::CodecsFailed(FS::extensionL(file->filePath()), names));
+    }
+}

@@ -1,0 +1,236 @@
+#include "Media/FilePool.h"
+
+#include "Media/FileView.h"
+
+#include <QHash>
+#include <QMutex>
+#include <QPointer>
+#include <QThreadPool>
+
+#include <glog/logging.h>
+
+#include <algorithm>
+#include <unordered_map>
+
+namespace Media {
+namespace {
+
+QThreadPool& mediaThreadPool()
+{
+    // Opening is mostly waiting for the disk, so a few more threads than cores pay off.
+    static QThreadPool* pool = [] {
+        auto* threads = new QThreadPool;
+        threads->setMaxThreadCount(std::max(4, QThread::idealThreadCount() * 2));
+        threads->setExpiryTimeout(5000);
+        return threads;
+    }();
+    return *pool;
+}
+
+// Where workers deliver results. The pool clears the receiver when it dies; a worker holds
+// the lock while it posts, so it never posts to a half-destroyed pool.
+struct Mailbox
+{
+    QMutex mutex;
+    QObject* receiver = nullptr;
+};
+
+} // namespace
+
+struct FilePool::Impl
+{
+    FilePool* q;
+    std::vector<std::unique_ptr<File>> files;
+    std::unordered_map<const File*, File*> index;
+    std::unordered_map<const File*, quint64> openingJobs; // file -> job id
+    std::unordered_map<quint64, const File*> jobFiles;
+    quint64 nextJob = 1;
+    std::vector<FileView*> views;
+    std::vector<std::unique_ptr<File>> removed; // deleted on the next event-loop turn
+    std::shared_ptr<Mailbox> mailbox = std::make_shared<Mailbox>();
+
+    File* find(const File* file) const
+    {
+        const auto it = index.find(file);
+        return it == index.end() ? nullptr : it->second;
+    }
+
+    // Calls every view, skipping views removed by an earlier one; with `whileInPool`, stops
+    // once a view has removed the file.
+    template <class Call>
+    void tellViews(const File* file, bool whileInPool, Call call)
+    {
+        const std::vector<FileView*> snapshot = views;
+        for (FileView* view : snapshot) {
+            if (whileInPool && !find(file))
+                return;
+            if (std::find(views.begin(), views.end(), view) == views.end())
+                continue;
+            call(view);
+        }
+    }
+
+    void start(const File* file)
+    {
+        const quint64 job = nextJob++;
+        openingJobs[file] = job;
+        jobFiles[job] = file;
+        const QString path = file->filePath();
+        std::shared_ptr<Mailbox> box = mailbox;
+        mediaThreadPool().start([box, job, path] {
+            OpenResult result = openFile(path);
+            QMutexLocker lock(&box->mutex);
+            if (!box->receiver)
+                return;
+            auto* pool = static_cast<FilePool*>(box->receiver);
+            QMetaObject::invokeMethod(
+                pool, [pool, job, result = std::move(result)] { pool->d->deliver(job, result); },
+                Qt::QueuedConnection);
+        });
+    }
+
+    void deliver(quint64 job, const OpenResult& result)
+    {
+        const auto it = jobFiles.find(job);
+        if (it == jobFiles.end())
+            return; // the file left the project meanwhile
+        q->finishOpening(it->second, result);
+    }
+
+    void forget(const File* file)
+    {
+        const auto it = openingJobs.find(file);
+        if (it == openingJobs.end())
+            return;
+        jobFiles.erase(it->second);
+        openingJobs.erase(it);
+    }
+};
+
+FilePool::FilePool(QObject* parent) : QObject(parent), d(std::make_unique<Impl>())
+{
+    d->q = this;
+    d->mailbox->receiver = this;
+    qRegisterMetaType<const Media::File*>();
+}
+
+FilePool::~FilePool()
+{
+    {
+        QMutexLocker lock(&d->mailbox->mutex);
+        d->mailbox->receiver = nullptr;
+    }
+    // Views hear of every file leaving, so none keeps a pointer past the pool.
+    while (!d->files.empty())
+        removeFile(d->files.back().get());
+    for (FileView* view : d->views)
+        view->m_pool = nullptr;
+}
+
+const File* FilePool::addFile(const QString& path, Opening opening)
+{
+    d->files.push_back(std::make_unique<File>(path));
+    File* file = d->files.back().get();
+    d->index.emplace(file, file);
+    if (opening == Opening::Automatic)
+        d->start(file);
+    else
+        d->openingJobs[file] = 0;
+    d->tellViews(file, true, [file](FileView* view) { view->fileAdded(file); });
+    emit fileAdded(file);
+    return file;
+}
+
+QList<const File*> FilePool::addFiles(const QStringList& paths, Opening opening)
+{
+    QList<const File*> added;
+    added.reserve(paths.size());
+    for (const QString& path : paths)
+        added << addFile(path, opening);
+    return added;
+}
+
+void FilePool::removeFile(const File* file)
+{
+    if (!d->find(file))
+        return;
+    // From the back: the pool's destructor removes the last file first.
+    const auto it = std::find_if(d->files.rbegin(), d->files.rend(),
+                                 [file](const std::unique_ptr<File>& owned) { return owned.get() == file; });
+    const bool wasOpening = d->openingJobs.count(file) > 0;
+    d->forget(file);
+    std::unique_ptr<File> owned = std::move(*it);
+    d->files.erase(std::next(it).base());
+    d->index.erase(file);
+    d->tellViews(file, false, [file](FileView* view) { view->fileRemoved(file); });
+    emit fileRemoved(file);
+    d->removed.push_back(std::move(owned));
+    if (d->removed.size() == 1)
+        QMetaObject::invokeMethod(this, [this] { d->removed.clear(); }, Qt::QueuedConnection);
+    if (wasOpening && d->openingJobs.empty())
+        emit idle();
+}
+
+void FilePool::finishOpening(const File* file, const OpenResult& result)
+{
+    File* target = d->find(file);
+    if (!target || !d->openingJobs.count(file) || result.state == File::State::Opening)
+        return;
+    d->forget(file);
+    result.applyTo(*target);
+    if (target->isFailed()) {
+        for (const auto& error : target->errors())
+            LOG(WARNING) << "Can't open media file " << target->filePath().toStdString() << ": " << error.toString();
+        // Subscribers learn the reasons before the views learn the outcome.
+        PubSub::publish(FileOpenFailedNotification(file, target->errors()));
+        d->tellViews(file, true, [file](FileView* view) { view->fileFailed(file); });
+        if (d->find(file))
+            emit fileFailed(file);
+    } else {
+        d->tellViews(file, true, [file](FileView* view) { view->fileOpened(file); });
+        if (d->find(file))
+            emit fileOpened(file);
+    }
+    if (d->openingJobs.empty())
+        emit idle();
+}
+
+QList<const File*> FilePool::files() const
+{
+    QList<const File*> list;
+    list.reserve(int(d->files.size()));
+    for (const auto& owned : d->files)
+        list << owned.get();
+    return list;
+}
+
+bool FilePool::contains(const File* file) const
+{
+    return d->find(file) != nullptr;
+}
+
+int FilePool::openingCount() const
+{
+    return int(d->openingJobs.size());
+}
+
+void FilePool::addView(FileView* view)
+{
+    if (!view || std::find(d->views.begin(), d->views.end(), view) != d->views.end())
+        return;
+    if (view->m_pool && view->m_pool != this)
+        view->m_pool->removeView(view);
+    view->m_pool = this;
+    d->views.push_back(view);
+}
+
+void FilePool::removeView(FileView* view)
+{
+    const auto it = std::find(d->views.begin(), d->views.end(), view);
+    if (it == d->views.end())
+        return;
+    d->views.erase(it);
+    view->m_pool = nullptr;
+}
+
+} // namespace Media
