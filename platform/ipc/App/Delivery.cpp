@@ -10,7 +10,7 @@
 namespace Tavrin {
 namespace App {
 
-const char* toString(DeliveryResult result)
+const char* describe(DeliveryResult result)
 {
     switch (result) {
     case DeliveryResult::Delivered:

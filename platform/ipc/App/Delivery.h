@@ -21,7 +21,7 @@ enum class DeliveryResult {
 // handle the call later (it was written); the caller must not resend it.
 DeliveryResult SendCallAndWait(const UniqueIPC::Call& call, int timeoutMs, QString* detail = nullptr);
 
-const char* toString(DeliveryResult result);
+const char* describe(DeliveryResult result);
 
 } // namespace App
 } // namespace Tavrin

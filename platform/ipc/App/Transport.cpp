@@ -148,7 +148,7 @@ void Transport::acceptPending()
         in->stallTimer->setInterval(stallTimeoutMs());
         m_incoming.insert(socket, in);
         connect(in->stallTimer, &QTimer::timeout, this, [this, in] {
-            dropIncoming(in, in->greeted ? "stalled in the middle of a frame" : "sent no greeting");
+            dropIncoming(in, in->reader.hasPartialFrame() ? "stalled in the middle of a frame" : "sent no greeting");
         });
         connect(socket, &QLocalSocket::readyRead, this, [this, in] { readIncoming(in); });
         connect(socket, &QLocalSocket::disconnected, this, [this, socket] {
