@@ -108,6 +108,7 @@ void Transport::shutdown()
         m_server = nullptr;
     }
     for (Incoming* in : qAsConst(m_incoming)) {
+        in->socket->flush();  // answers already written must still reach their callers
         in->socket->abort();
         delete in->socket;
         delete in;
@@ -309,13 +310,24 @@ void Transport::closeLink(Link* link)
     removeIfStale(peer);
 }
 
-void Transport::removeIfStale(const std::string& peer)
+void Transport::removeIfStale(const std::string& peer, int attempt)
 {
     const ProductAppID id(peer);
-    if (!id.IsValid() || AppManager::IsProcessAlive(id.GetPid()))
-        return;
     const QString path = m_directory + QLatin1Char('/') + QString::fromStdString(peer);
-    if (QFile::exists(path) && QFile::remove(path))
+    if (!id.IsValid() || !QFile::exists(path))
+        return;
+    if (AppManager::IsProcessAlive(id.GetPid())) {
+        // A process that is being killed closes its sockets before it is seen dead, so the
+        // link may close a moment too early; look again a few times, then leave it to the
+        // next scan, which tries the socket itself.
+        if (attempt < 4)
+            QTimer::singleShot(100 << attempt, this, [this, peer, attempt] {
+                if (!m_links.count(peer))
+                    removeIfStale(peer, attempt + 1);
+            });
+        return;
+    }
+    if (QFile::remove(path))
         LOG(INFO) << "Removed the stale IPC socket of " << peer;
 }
 

@@ -62,7 +62,7 @@ private:
     void openLink(const std::string& peer);
     void readLink(Link* link);
     void closeLink(Link* link);
-    void removeIfStale(const std::string& peer);
+    void removeIfStale(const std::string& peer, int attempt = 0);
 
     QString m_directory;
     std::string m_connectId;
