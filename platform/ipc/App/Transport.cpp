@@ -11,6 +11,8 @@
 
 #include <glog/logging.h>
 
+#include <utility>
+
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/types.h>
@@ -102,20 +104,20 @@ void Transport::shutdown()
 {
     delete m_watcher;
     m_watcher = nullptr;
-    if (m_server) {
-        m_server->close();  // removes the socket file
-        delete m_server;
-        m_server = nullptr;
-    }
-    for (Incoming* in : qAsConst(m_incoming)) {
+    const auto incoming = std::exchange(m_incoming, {});
+    for (Incoming* in : incoming) {
+        in->socket->disconnect(this);
         in->socket->flush();  // answers already written must still reach their callers
         in->socket->abort();
         delete in->socket;
         delete in;
     }
-    m_incoming.clear();
-    auto links = std::move(m_links);
-    m_links.clear();
+    if (m_server) {
+        m_server->close();  // removes the socket file
+        delete m_server;
+        m_server = nullptr;
+    }
+    const auto links = std::exchange(m_links, {});
     for (auto& entry : links) {
         Link* link = entry.second;
         for (auto& pending : link->pending)
@@ -142,6 +144,8 @@ void Transport::acceptPending()
             emit peerRefused(uint(uid));
             continue;
         }
+        // Owned here rather than by the server, which may go first at shutdown.
+        socket->setParent(this);
         auto* in = new Incoming;
         in->socket = socket;
         in->stallTimer = new QTimer(socket);
