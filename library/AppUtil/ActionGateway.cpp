@@ -9,6 +9,8 @@
 
 #include <glog/logging.h>
 
+#include <exception>
+
 namespace Action {
 
 const char* const ACTION_STARTUP = "STARTUP";
@@ -22,6 +24,26 @@ const std::set<QString>& modalWaitNames()
     static const std::set<QString> names{QStringLiteral("REQUEST_CHECK_AUTO_UPDATE")};
     return names;
 }
+// Whether Qt counts `window` as blocked by `modal`, and so sends it WindowUnblocked when
+// `modal` goes. Qt tracks this only for windows that have been created.
+bool blocks(const QWidget* modal, const QWidget* window)
+{
+    if (!window->windowHandle() || modal->window() == window->window())
+        return false;
+    switch (modal->windowModality()) {
+    case Qt::ApplicationModal:
+        return true;
+    case Qt::WindowModal:
+        for (const QWidget* parent = modal->parentWidget(); parent; parent = parent->parentWidget())
+            if (parent->window() == window->window())
+                return true;
+        return false;
+    case Qt::NonModal:
+        break;
+    }
+    return false;
+}
+
 } // namespace
 
 using Tavrin::ExternalStimulus::Action;
@@ -46,11 +68,17 @@ void Gateway::ProposeAction(const Action& action)
         new EventWatcher(blocking, this, QEvent::Hide, action);
         return;
     }
-    if (QApplication::activeModalWidget() && modalWaitNames().count(QString::fromStdString(action.name))) {
-        if (QWidget* mainWindow = Tavrin::Util::SpontaneousDialog::GetMainWindow()) {
+    QWidget* modal = QApplication::activeModalWidget();
+    if (modal && modalWaitNames().count(QString::fromStdString(action.name))) {
+        QWidget* mainWindow = Tavrin::Util::SpontaneousDialog::GetMainWindow();
+        if (mainWindow && blocks(modal, mainWindow))
             new EventWatcher(mainWindow, this, QEvent::WindowUnblocked, action);
-            return;
-        }
+        else
+            // The main window will never be told it is unblocked (a start-up dialog before
+            // it was first shown, or a dialog modal to another window): wait for the
+            // modal window itself to go instead of waiting forever.
+            new EventWatcher(modal, this, QEvent::Hide, action);
+        return;
     }
     if (isEnabled(action.name))
         m_storage.Add(action);
@@ -127,9 +155,18 @@ EventWatcher::~EventWatcher()
 
 bool EventWatcher::eventFilter(QObject* object, QEvent* event)
 {
-    if (event->type() == m_awaited) {
-        object->removeEventFilter(this);
-        deleteLater();
+    if (event->type() != m_awaited)
+        return false;
+    // Qt asks the filter installed last first. Releasing every watcher of this widget that
+    // waits for the same event, in the order they were created (their order as children),
+    // brings the held actions back in the order they were proposed.
+    for (QObject* child : object->children()) {
+        auto* watcher = qobject_cast<EventWatcher*>(child);
+        if (watcher && !watcher->m_released && watcher->m_awaited == m_awaited) {
+            watcher->m_released = true;
+            object->removeEventFilter(watcher);
+            watcher->deleteLater();
+        }
     }
     return false;
 }
@@ -140,8 +177,15 @@ void proposeAction(const std::string& name, const std::function<void()>& functio
     if (!gateway) {
         // Nothing gates actions in a host without a gateway: run it rather than lose it.
         LOG(WARNING) << "No action gateway registered; running " << name << " at once";
-        if (function)
+        if (!function)
+            return;
+        try {
             function();
+        } catch (const std::exception& e) {
+            LOG(ERROR) << "Action " << name << " failed: " << e.what();
+        } catch (...) {
+            LOG(ERROR) << "Action " << name << " failed";
+        }
         return;
     }
     gateway->ProposeAction(Action{name, function});

@@ -24,7 +24,8 @@ class QWidget;
 // An action runs at once when nothing blocks. A modal window whose chain of parents
 // carries the dynamic property "blockSpontaneousActivityFlag" = true holds every action
 // until it is hidden; any other modal window holds only the modal-wait names until the
-// main window is unblocked; a locked gateway queues actions until it is unlocked.
+// main window is unblocked (or, when that window does not block the main window, until it
+// is hidden); a locked gateway queues actions until it is unlocked.
 namespace Action {
 
 APPUTIL_EXPORT extern const char* const ACTION_STARTUP;
@@ -94,6 +95,7 @@ private:
     QPointer<Gateway> m_gateway;
     QEvent::Type m_awaited;
     Tavrin::ExternalStimulus::Action m_action;
+    bool m_released = false;
 };
 
 // Proposes an action to the application-wide gateway from the service registry. Without

@@ -7,6 +7,8 @@
 #include <QCommandLineOption>
 #include <QCommandLineParser>
 
+#include <utility>
+
 class CommandProvider::Impl : public PubSub::Subscriber<Command::ReadyNotification>
 {
 public:
@@ -24,10 +26,12 @@ public:
 
     void flushFiles()
     {
-        const QStringList files = FileUtil::extractFiles(pendingFiles, FileUtil::supportedFileExtensions());
+        // Taken out before publishing: a subscriber may hand us new files from its handler,
+        // and those must not be wiped by the clearing of the ones being published.
+        const QStringList held = std::exchange(pendingFiles, QStringList());
+        const QStringList files = FileUtil::extractFiles(held, FileUtil::supportedFileExtensions());
         if (!files.isEmpty())
             PubSub::publish(Command::AddFiles(files));
-        pendingFiles.clear();
     }
 
     void openCollection(const QString& name)
@@ -54,6 +58,10 @@ public:
         // The flags stay set: every later request takes the immediate path, so they are
         // consumed exactly once unless the editor announces itself ready again.
         ready = true;
+        // Files handed over by a subscriber during the replay above arrived while we were
+        // not ready yet; they go out now instead of waiting for the next request.
+        if (!pendingFiles.isEmpty())
+            flushFiles();
     }
 
     QCommandLineParser parser;

@@ -24,8 +24,11 @@ const FormatConfiguration& FormatConfiguration::instance()
 FormatConfiguration::FormatConfiguration()
 {
     initFormatResources();
-    const QString overridePath = qEnvironmentVariable("KLIPVANE_CONFIG_DIR") + QStringLiteral("/formats.json");
-    QFile file(QFile::exists(overridePath) ? overridePath : QStringLiteral(":/klipvane/conf/formats.json"));
+    // Without the variable there is no override: "/formats.json" at the root is nobody's.
+    const QString folder = qEnvironmentVariable("KLIPVANE_CONFIG_DIR");
+    const QString overridePath = folder.isEmpty() ? QString() : folder + QStringLiteral("/formats.json");
+    QFile file(!overridePath.isEmpty() && QFile::exists(overridePath) ? overridePath
+                                                                      : QStringLiteral(":/klipvane/conf/formats.json"));
     if (!file.open(QIODevice::ReadOnly) || !load(file.readAll()))
         LOG(ERROR) << "Format configuration " << file.fileName().toStdString() << " is unusable";
 }

@@ -40,9 +40,12 @@ void ActionStorage::ExecAll()
     if (m_busy)
         return;
     m_busy = true;
-    std::deque<Action> running;
-    running.swap(m_actions);
-    for (const Action& action : running) {
+    // One at a time from the front rather than a swapped-out batch: an action that cancels
+    // or blacklists others must reach those still waiting behind it, and the waiting ones
+    // stay visible to IsBlocked() until they run.
+    while (!m_actions.empty()) {
+        const Action action = m_actions.front();
+        m_actions.pop_front();
         if (!action.function)
             continue;
         try {

@@ -42,8 +42,8 @@ public:
     bool IsBlocked(const std::string& name) const;
     std::vector<Action> GetActions() const;
 
-    // Runs every queued action once, in order. An action that throws is logged and
-    // does not stop the others.
+    // Runs the queued actions in order until the queue is empty, including those queued
+    // by the running ones. An action that throws is logged and does not stop the others.
     void ExecAll();
 
 private:

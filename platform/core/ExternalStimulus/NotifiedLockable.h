@@ -21,8 +21,8 @@ public:
 
     void lock() { lockImpl() ? on_lock_acquired() : void(); }
     void unlock() { unlockImpl() ? on_lock_released() : void(); }
-    void lock() const { const_cast<NotifiedLockableAdapter*>(this)->lockImpl() ? on_lock_acquired() : void(); }
-    void unlock() const { const_cast<NotifiedLockableAdapter*>(this)->unlockImpl() ? on_lock_released() : void(); }
+    void lock() const { lockImpl() ? on_lock_acquired() : void(); }
+    void unlock() const { unlockImpl() ? on_lock_released() : void(); }
     bool is_locked() const { return m_lock.locked; }
     std::uint64_t lock_count() const { return m_lock.count; }
 
@@ -33,8 +33,9 @@ protected:
     virtual void on_lock_released() {}
 
 private:
-    // Each returns whether the locked state changed.
-    bool lockImpl()
+    // Each returns whether the locked state changed. The const forms share the state, so
+    // it is mutable: locking a const object must not be undefined behaviour.
+    bool lockImpl() const
     {
         const bool before = m_lock.locked;
         if (m_lock.count == 0)
@@ -42,7 +43,7 @@ private:
         ++m_lock.count;
         return !before && m_lock.locked;
     }
-    bool unlockImpl()
+    bool unlockImpl() const
     {
         const bool before = m_lock.locked;
         if (m_lock.count != 0 && --m_lock.count == 0)
@@ -50,7 +51,7 @@ private:
         return before && !m_lock.locked;
     }
 
-    Lockable m_lock;
+    mutable Lockable m_lock;
 };
 
 } // namespace Tavrin
