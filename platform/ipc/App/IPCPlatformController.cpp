@@ -1,0 +1,61 @@
+#include "App/IPCPlatformController.h"
+
+#include "App/IPCPlatformProtocol.h"
+
+#include <glog/logging.h>
+
+namespace Tavrin {
+namespace App {
+
+IPCPlatformController::IPCPlatformController(std::shared_ptr<IPCBaseProtocol> protocol,
+                                             std::shared_ptr<ICustomizationManager> customization)
+    : m_protocol(std::move(protocol)), m_customization(std::move(customization))
+{
+}
+
+IPCPlatformController::~IPCPlatformController() = default;
+
+std::vector<std::string> IPCPlatformController::GetConnectedApplications() const
+{
+    return m_protocol ? m_protocol->GetConnectedApplications() : std::vector<std::string>();
+}
+
+bool IPCPlatformController::IsAlone() const
+{
+    return !m_protocol || m_protocol->IsAlone();
+}
+
+bool IPCPlatformController::IsStartedFromAny() const
+{
+    return m_protocol && m_protocol->IsStartedFromAny();
+}
+
+bool IPCPlatformController::IsApplicationConnected(const std::string& appId) const
+{
+    return m_protocol && m_protocol->IsApplicationConnected(appId);
+}
+
+void IPCPlatformController::RunApplication(const std::shared_ptr<IApplicationProcess>& process, std::function<void()> started,
+                                           std::function<void()> failed, std::function<bool()> skip)
+{
+    if (skip && skip())
+        return;
+    if (!process || !process->IsValid()) {
+        if (failed)
+            failed();
+        return;
+    }
+    const QString parent = m_protocol ? QString::fromStdString(m_protocol->GetConnectId()) : QString();
+    process->Start(parent, std::move(started), std::move(failed));
+}
+
+void IPCPlatformController::ImportFromFileStorage(qint64 storageId)
+{
+    if (auto platform = std::dynamic_pointer_cast<IPCPlatformProtocol>(m_protocol))
+        platform->SendImportFromFileStorage(storageId);
+    else
+        LOG(WARNING) << "Import from the file storage needs a product application's protocol";
+}
+
+} // namespace App
+} // namespace Tavrin
