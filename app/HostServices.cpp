@@ -12,6 +12,7 @@
 #include <Util/StyleSheet.h>
 
 #include <QApplication>
+#include <QLocale>
 #include <QMainWindow>
 #include <QMenu>
 #include <QMenuBar>
@@ -20,17 +21,18 @@
 
 namespace HostServices {
 
-QString install(QApplication& application, const QString& requestedLocale)
+QString registerProduct(const QString& binDirectory, const QString& requestedLocale)
 {
-    const QString locale = requestedLocale.isEmpty()
-                               ? Tavrin::App::LookAndFeelManager::chooseLocale(QApplication::arguments())
-                               : QLocale(requestedLocale).name();
-    const QString directory = QApplication::applicationDirPath();
+    const QString locale = requestedLocale.isEmpty() ? QLocale::system().name() : QLocale(requestedLocale).name();
     Tavrin::App::ProductServicesOptions options;
     options.locale = locale;
-    options.translationsDirectory = directory + QStringLiteral("/translations");
-    Tavrin::App::registerProductServices(directory + QStringLiteral("/product.json"), options);
+    options.translationsDirectory = binDirectory + QStringLiteral("/translations");
+    Tavrin::App::registerProductServices(binDirectory + QStringLiteral("/product.json"), options);
+    return locale;
+}
 
+void install(QApplication& application)
+{
     auto lookAndFeel = Tavrin::App::ServiceRegistry::instance().get<Tavrin::App::ILookAndFeelManager>();
     Customization::init(lookAndFeel);
     if (auto* manager = dynamic_cast<Tavrin::App::LookAndFeelManager*>(lookAndFeel.get()))
@@ -40,7 +42,6 @@ QString install(QApplication& application, const QString& requestedLocale)
     Dialog::initialize(std::make_shared<Dialog::DialogStrategy>());
     LOG(INFO) << "product: " << Customization::productFullNameLocalized().toStdString() << ", locale "
               << Customization::currentLocale().toStdString();
-    return locale;
 }
 
 namespace {

@@ -11,8 +11,14 @@ class QMainWindow;
 // default dialog strategy.
 namespace HostServices {
 
-// `locale` may be empty (the system's locale is used). Returns the locale in use.
-QString install(QApplication& application, const QString& locale);
+// Registers the product services from product.json in `binDirectory`. Needs no
+// application object, so a second launch can find its single-instance key before it pays
+// for one. `locale` may be empty (the system's locale is used). Returns the locale in use.
+QString registerProduct(const QString& binDirectory, const QString& locale);
+
+// Loads the catalogues of the registered locale into `application`, applies the style
+// sheet and installs the default dialog strategy.
+void install(QApplication& application);
 
 // Titles the main window with the product's localized full name and gives it a Help menu
 // with the product's web links and the standard dialogs.

@@ -5,6 +5,7 @@
 #include <App/AppManager.h>
 #include <App/ApplicationProcess.h>
 #include <App/ICustomizationManager.h>
+#include <App/IPCLinksDecorator.h>
 #include <App/IPCPlatformController.h>
 #include <App/ServiceRegistry.h>
 #include <Profiler/Sample.h>
@@ -324,7 +325,10 @@ std::shared_ptr<Tavrin::App::IApplicationRegistryProvider> Controller::getApplic
 
 std::shared_ptr<Tavrin::App::ILinksOpener> Controller::createIPCLinksOpener() const
 {
-    return nullptr;
+    const auto& customization = d->m_customization;
+    return std::make_shared<Tavrin::App::IPCLinksDecorator>(customization ? customization->linksOpener() : nullptr,
+                                                            customization ? customization->linksGenerator() : nullptr,
+                                                            d->m_protocol);
 }
 
 } // namespace IPC

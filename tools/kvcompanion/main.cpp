@@ -93,6 +93,10 @@ int main(int argc, char** argv)
                       std::make_shared<CallbackInvoker>([](const std::vector<std::string>& arguments) {
                           LOG(INFO) << "companion: prepare to capture for " << joined(arguments);
                       }));
+    invokers.Register("OpenLink", {"QString"}, version,
+                      std::make_shared<CallbackInvoker>([](const std::vector<std::string>& arguments) {
+                          LOG(INFO) << "companion: open link " << joined(arguments);
+                      }));
     invokers.Register("Quit", {}, version, std::make_shared<CallbackInvoker>([&application](const std::vector<std::string>&) {
                           LOG(INFO) << "companion: quit requested";
                           QMetaObject::invokeMethod(&application, &QCoreApplication::quit, Qt::QueuedConnection);

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <SingleInstance.h>
+
+#include <QStringList>
+
+#include <memory>
+#include <optional>
+
+// The editor's single-instance rule, decided before any application object exists: a
+// launch that finds another editor running hands its files to it and ends, so it never
+// pays for widgets or media libraries.
+//
+//   auto decision = SecondLaunch::decide(arguments);
+//   if (decision.exitCode)
+//       return *decision.exitCode;          // handed over (0) or failed (non-zero)
+//   // else: this process is the editor; keep decision.instance for its whole life
+struct SecondLaunch
+{
+    // Held by the primary editor: releasing it lets the next launch become the editor.
+    std::shared_ptr<IPC::Util::ISingleInstance> instance;
+    // Set when this process must end with that status instead of starting the editor.
+    std::optional<int> exitCode;
+
+    // Exit statuses of a launch that did not become the editor.
+    enum Status { HandedOver = 0, Refused = 1, NobodyListening = 2, NoAnswer = 3 };
+
+    // `arguments` is the command line without host options (element 0 is the program).
+    // Needs the product services registered (the key is the product's).
+    static SecondLaunch decide(const QStringList& arguments);
+
+    // The files a launch names, as absolute paths; options and their values are left out.
+    static QStringList filesOf(const QStringList& arguments);
+};
