@@ -220,8 +220,15 @@ FrameReader::FrameReader(std::size_t maxBodySize) : m_maxBodySize(maxBodySize) {
 
 void FrameReader::append(const char* data, std::size_t size)
 {
-    if (m_error.empty())
-        m_buffer.append(data, size);
+    if (!m_error.empty())
+        return;
+    // Dropped once it is at least half of the buffer, so every byte is moved at most once
+    // on average, whether or not the caller drained the reader first.
+    if (m_consumed && m_consumed >= m_buffer.size() - m_consumed) {
+        m_buffer.erase(0, m_consumed);
+        m_consumed = 0;
+    }
+    m_buffer.append(data, size);
 }
 
 FrameReader::Result FrameReader::fail(std::string reason)
@@ -229,6 +236,7 @@ FrameReader::Result FrameReader::fail(std::string reason)
     m_error = std::move(reason);
     m_buffer.clear();
     m_buffer.shrink_to_fit();
+    m_consumed = 0;
     return Result::Error;
 }
 
@@ -236,23 +244,29 @@ FrameReader::Result FrameReader::next(Frame& frame)
 {
     if (!m_error.empty())
         return Result::Error;
+    const char* data = m_buffer.data() + m_consumed;
+    const std::size_t size = m_buffer.size() - m_consumed;
     // The header is checked as soon as it is complete, so an oversized frame is refused
     // before a single byte of its body is buffered.
-    if (m_buffer.size() < kHeaderSize) {
-        if (!m_buffer.empty() && std::memcmp(m_buffer.data(), kMagic, std::min<std::size_t>(4, m_buffer.size())) != 0)
+    if (size < kHeaderSize) {
+        if (size && std::memcmp(data, kMagic, std::min<std::size_t>(4, size)) != 0)
             return fail("bad magic");
         return Result::NeedMore;
     }
     FrameKind kind;
     std::size_t bodySize = 0;
     std::string error;
-    if (!checkHeader(reinterpret_cast<const unsigned char*>(m_buffer.data()), m_maxBodySize, kind, bodySize, error))
+    if (!checkHeader(reinterpret_cast<const unsigned char*>(data), m_maxBodySize, kind, bodySize, error))
         return fail(error);
-    if (m_buffer.size() < kHeaderSize + bodySize)
+    if (size - kHeaderSize < bodySize)
         return Result::NeedMore;
-    if (!decodeBody(kind, m_buffer.data() + kHeaderSize, bodySize, frame, error))
+    if (!decodeBody(kind, data + kHeaderSize, bodySize, frame, error))
         return fail(error);
-    m_buffer.erase(0, kHeaderSize + bodySize);
+    m_consumed += kHeaderSize + bodySize;
+    if (m_consumed == m_buffer.size()) {
+        m_buffer.clear();
+        m_consumed = 0;
+    }
     return Result::Frame;
 }
 

@@ -76,14 +76,18 @@ public:
 
     const std::string& error() const { return m_error; }
     // True while part of a frame is buffered: a peer that stops here is stalling.
-    bool hasPartialFrame() const { return !m_buffer.empty(); }
-    std::size_t buffered() const { return m_buffer.size(); }
+    bool hasPartialFrame() const { return buffered() != 0; }
+    std::size_t buffered() const { return m_buffer.size() - m_consumed; }
 
 private:
     Result fail(std::string reason);
 
     std::size_t m_maxBodySize;
+    // Frames handed out are skipped, not erased: erasing each from the front would copy the
+    // rest of the buffer once per frame, quadratic in a burst of small frames. The consumed
+    // part is dropped when more bytes arrive and it is at least half of the buffer.
     std::string m_buffer;
+    std::size_t m_consumed = 0;
     std::string m_error;
 };
 

@@ -97,6 +97,60 @@ private slots:
         QVERIFY(!reader.hasPartialFrame());
     }
 
+    // A burst of frames arriving in pieces that do not line up with frames, read out after
+    // every piece or only now and then: every frame comes out once, in order, whole.
+    void burstInPieces_data()
+    {
+        QTest::addColumn<int>("pieceSize");
+        QTest::addColumn<int>("drainEvery");
+
+        QTest::newRow("small pieces, drained each time") << 7 << 1;
+        QTest::newRow("small pieces, drained every third") << 7 << 3;
+        QTest::newRow("large pieces, drained every other") << 4099 << 2;
+        QTest::newRow("byte by byte, drained at the end") << 1 << 1000000000;
+        QTest::newRow("all at once") << 1000000000 << 1;
+    }
+
+    void burstInPieces()
+    {
+        QFETCH(int, pieceSize);
+        QFETCH(int, drainEvery);
+
+        std::string stream;
+        const int count = 3000;
+        for (int i = 0; i < count; ++i) {
+            Call call = sampleCall();
+            call.serial = std::uint32_t(i);
+            stream += i % 3 == 0 ? encodeCall(call) : i % 3 == 1 ? encodeReply(std::uint32_t(i), ReplyStatus::Handled)
+                                                                 : encodeHello(std::to_string(i));
+        }
+        FrameReader reader;
+        Frame frame;
+        int seen = 0;
+        bool inOrder = true;
+        auto drain = [&] {
+            while (reader.next(frame) == FrameReader::Result::Frame) {
+                const std::uint32_t number = frame.kind == FrameKind::Call    ? frame.call.serial
+                                             : frame.kind == FrameKind::Reply ? frame.serial
+                                                                              : std::uint32_t(std::stoul(frame.connectId));
+                inOrder = inOrder && number == std::uint32_t(seen) && int(frame.kind) == seen % 3 + 1;
+                ++seen;
+            }
+        };
+        int pieces = 0;
+        for (std::size_t at = 0; at < stream.size(); at += std::size_t(pieceSize)) {
+            reader.append(stream.data() + at, std::min(std::size_t(pieceSize), stream.size() - at));
+            if (++pieces % drainEvery == 0)
+                drain();
+        }
+        drain();
+        QVERIFY2(reader.error().empty(), reader.error().c_str());
+        QVERIFY(inOrder);
+        QCOMPARE(seen, count);
+        QCOMPARE(reader.buffered(), std::size_t(0));
+        QVERIFY(!reader.hasPartialFrame());
+    }
+
     void refused_data()
     {
         QTest::addColumn<std::string>("bytes");
