@@ -23,7 +23,10 @@ namespace HostServices {
 
 QString registerProduct(const QString& binDirectory, const QString& requestedLocale)
 {
-    const QString locale = requestedLocale.isEmpty() ? QLocale::system().name() : QLocale(requestedLocale).name();
+    QString locale = requestedLocale.isEmpty() ? QLocale::system().name() : QLocale(requestedLocale).name();
+    // A session without a language ("C", "POSIX") gets the language the texts are written in.
+    if (locale == QLatin1String("C"))
+        locale = QStringLiteral("en_US");
     Tavrin::App::ProductServicesOptions options;
     options.locale = locale;
     options.translationsDirectory = binDirectory + QStringLiteral("/translations");
