@@ -207,6 +207,9 @@ void TestSecondLaunch::handsFilesToTheRunningEditor_data()
         << QStringList{"b.png", "notes.txt", "a.mp4"} << QStringList{"b.png", "a.mp4"};
     QTest::newRow("mode is not a file") << QStringList{"--mode", "slideshow", "a.mp4"} << QStringList{"a.mp4"};
     QTest::newRow("no files only shows the window") << QStringList{} << QStringList{};
+    // Sent as "OnOpenProject": the window comes up without the user-files page; the host
+    // has no project format of its own, so nothing is added.
+    QTest::newRow("a project is opened, not added") << QStringList{"story.kvproj"} << QStringList{};
 }
 
 void TestSecondLaunch::handsFilesToTheRunningEditor()
