@@ -1,6 +1,7 @@
 #include "HostServices.h"
 
 #include "DialogGallery.h"
+#include "DialogTrail.h"
 
 #include <Customization.h>
 #include <Dialog/DialogStrategy.h>
@@ -19,11 +20,16 @@
 
 #include <glog/logging.h>
 
+#include <algorithm>
+
 namespace HostServices {
 
 QString registerProduct(const QString& binDirectory, const QString& requestedLocale)
 {
-    const QString locale = requestedLocale.isEmpty() ? QLocale::system().name() : QLocale(requestedLocale).name();
+    QString locale = requestedLocale.isEmpty() ? QLocale::system().name() : QLocale(requestedLocale).name();
+    // A session without a language ("C", "POSIX") gets the language the texts are written in.
+    if (locale == QLatin1String("C"))
+        locale = QStringLiteral("en_US");
     Tavrin::App::ProductServicesOptions options;
     options.locale = locale;
     options.translationsDirectory = binDirectory + QStringLiteral("/translations");
@@ -39,7 +45,11 @@ void install(QApplication& application)
         manager->installTranslators(&application);
     Customization::apply(&application);
     application.setStyleSheet(Tavrin::Util::applicationStyleSheet());
-    Dialog::initialize(std::make_shared<Dialog::DialogStrategy>());
+    // Unattended runs (scripts, tests of the host) have no one to answer a dialog.
+    bool dismissSet = false;
+    const int dismissAfterMs = qEnvironmentVariableIntValue("KLIPVANE_DISMISS_DIALOGS_MS", &dismissSet);
+    Dialog::initialize(std::make_shared<DialogTrail>(std::make_shared<Dialog::DialogStrategy>(),
+                                                     dismissSet ? std::max(0, dismissAfterMs) : -1));
     LOG(INFO) << "product: " << Customization::productFullNameLocalized().toStdString() << ", locale "
               << Customization::currentLocale().toStdString();
 }

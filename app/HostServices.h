@@ -8,7 +8,9 @@ class QMainWindow;
 // The host's branding, links, locale and dialogs: reads product.json beside the
 // executable, registers the product services, loads the catalogues of the chosen locale
 // (--locale, else the system's), applies the application style sheet and installs the
-// default dialog strategy.
+// default dialog strategy behind a DialogTrail, which logs every dialog and its answer.
+// With KLIPVANE_DISMISS_DIALOGS_MS=<ms> in the environment each dialog is dismissed that
+// long after it appeared, for runs with no one to answer.
 namespace HostServices {
 
 // Registers the product services from product.json in `binDirectory`. Needs no

@@ -220,14 +220,21 @@ void MediaBin::postProcessing(AnalyzedProduct product)
     LOG(INFO) << "media batch: " << product.failedFiles.size() << " failed, "
               << product.openedUnsupportedCodecFiles.size() << " opened with unsupported codecs, HDR "
               << (product.hasHDR ? "yes" : "no");
+    int removed = 0;
     if (!product.failedFiles.empty() || !product.openedUnsupportedCodecFiles.empty()) {
         if (showFailedFilesDialog(product)) {
+            // By file, not through removeItem: finding the file of an item walks the bin.
             for (const Media::File* file : product.failedFiles)
-                if (QListWidgetItem* item = m_items.value(file))
-                    removeItem(item);
+                if (QListWidgetItem* item = m_items.take(file)) {
+                    m_pool.removeFile(file);
+                    delete item;
+                    ++removed;
+                }
         }
     }
     if (product.hasHDR)
         showHDRFilesAddedDialog();
+    // The end of the batch's reports: whoever follows the log knows no dialog of it is left.
+    LOG(INFO) << "media batch reported: " << product.failedFiles.size() << " failed, " << removed << " removed";
     emit batchReported(int(product.failedFiles.size()));
 }

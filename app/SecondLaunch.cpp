@@ -11,6 +11,8 @@
 #include <QFileInfo>
 #include <QThread>
 
+#include <vector>
+
 #include <glog/logging.h>
 
 namespace {
@@ -22,6 +24,25 @@ constexpr int kAnswerTimeoutMs = 3000;
 // long a launch waits for it (or for its lock, should it end meanwhile).
 constexpr int kStartingEditorTimeoutMs = 15000;
 constexpr unsigned long kRetryIntervalMs = 20;
+// Project files go to the running editor to be opened as projects, not added as media.
+const QString kProjectSuffix = QStringLiteral("kvproj");
+
+// The calls that carry a launch's files: each project on its own, the other files together.
+// A launch without files still sends its (empty) file list, which brings the window up.
+std::vector<Tavrin::UniqueIPC::Call> callsFor(const QStringList& files)
+{
+    std::vector<Tavrin::UniqueIPC::Call> calls;
+    QStringList media;
+    for (const QString& file : files) {
+        if (QFileInfo(file).suffix().compare(kProjectSuffix, Qt::CaseInsensitive) == 0)
+            calls.push_back(IPC::Protocol::openProjectCall(file));
+        else
+            media << file;
+    }
+    if (!media.isEmpty() || calls.empty())
+        calls.push_back(IPC::Protocol::addFilesCall(media));
+    return calls;
+}
 
 } // namespace
 
@@ -48,7 +69,7 @@ SecondLaunch SecondLaunch::decide(const QStringList& arguments)
         return launch;
 
     const QStringList files = filesOf(arguments);
-    const Tavrin::UniqueIPC::Call call = IPC::Protocol::addFilesCall(files);
+    std::vector<Tavrin::UniqueIPC::Call> calls = callsFor(files);
     // Local sockets want an application object; a plain one costs next to nothing, unlike
     // the widget application this launch will not need.
     static int argc = 1;
@@ -66,8 +87,11 @@ SecondLaunch SecondLaunch::decide(const QStringList& arguments)
             return launch;
         }
         QString detail;
-        switch (Tavrin::App::SendCallAndWait(call, kAnswerTimeoutMs, &detail)) {
+        switch (Tavrin::App::SendCallAndWait(calls.front(), kAnswerTimeoutMs, &detail)) {
         case Tavrin::App::DeliveryResult::Delivered:
+            calls.erase(calls.begin());
+            if (!calls.empty())
+                continue;
             LOG(INFO) << "second launch: handed " << files.size() << " file(s) to the running editor";
             launch.exitCode = HandedOver;
             return launch;

@@ -1,7 +1,10 @@
 // bench_media open FILE...      opens the files through the media model and the file open
 //                               handler; prints the milliseconds until the batch's pass ran.
-// bench_media analyze N         a batch of N files reported by the model (no disk): prints
-//                               the milliseconds of the whole batch and of the analysis alone.
+// bench_media analyze N         a batch of N files reported by the model (no disk), a third
+//                               of them failed; the pass analyses the batch and removes the
+//                               failed files, as a host does when the user chooses "Remove".
+//                               Prints the milliseconds of the whole batch, of the analysis
+//                               and of the removal.
 
 #include <FileOpenHandler.h>
 
@@ -23,6 +26,8 @@ public:
     int failed = 0;
     int opened = 0;
     bool done = false;
+    Media::FilePool* removeFailedFrom = nullptr;
+    qint64 removalNs = 0;
 
 private:
     void processing() override
@@ -35,6 +40,13 @@ private:
         analysisNs = timer.nsecsElapsed();
         failed = int(product.failedFiles.size());
         opened = totalFilesCount() - failed;
+        if (removeFailedFrom) {
+            QElapsedTimer removal;
+            removal.start();
+            for (const Media::File* file : product.failedFiles)
+                removeFailedFrom->removeFile(file);
+            removalNs = removal.nsecsElapsed();
+        }
         clear();
         done = true;
         QCoreApplication::quit();
@@ -59,6 +71,7 @@ int analyze(int count)
 {
     Media::FilePool pool;
     BenchHandler handler;
+    handler.removeFailedFrom = &pool;
     pool.addView(&handler);
     QStringList paths;
     for (int i = 0; i < count; ++i)
@@ -82,8 +95,8 @@ int analyze(int count)
         pool.finishOpening(files[i], result);
     }
     QCoreApplication::exec();
-    std::printf("analyze files=%d batch_ms=%.2f analysis_ms=%.3f\n", count, timer.nsecsElapsed() / 1e6,
-                handler.analysisNs / 1e6);
+    std::printf("analyze files=%d batch_ms=%.2f analysis_ms=%.3f removal_ms=%.3f\n", count, timer.nsecsElapsed() / 1e6,
+                handler.analysisNs / 1e6, handler.removalNs / 1e6);
     return 0;
 }
 

@@ -30,9 +30,42 @@
     </message>
 </context>
 <context>
+    <name>Analyze</name>
+    <message>
+        <location filename="../library/AppUtil/ErrorDescription.cpp" line="+79"/>
+        <source>The chosen codec is not supported.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+2"/>
+        <source>No more space left on device</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+2"/>
+        <source>Sorry, this file is copyright protected and cannot be converted.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+3"/>
+        <source>Out of memory</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+2"/>
+        <source>The input file is corrupted or missing from the specified location.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+3"/>
+        <source>An unknown error has occurred. %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
     <name>CantPasteEffectsDialog</name>
     <message>
-        <location line="+45"/>
+        <location filename="../library/AppUtil/Dialog/NoticeDialogs.cpp" line="+45"/>
         <location line="+10"/>
         <source>Effects partially applied</source>
         <translation type="unfinished"></translation>
@@ -40,6 +73,70 @@
     <message>
         <location line="+4"/>
         <source>Some tools require manual setup</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>Capture</name>
+    <message>
+        <location filename="../library/AppUtil/ErrorDescription.cpp" line="-27"/>
+        <source>No more space left on device</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+2"/>
+        <source>Can not create output file</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+2"/>
+        <source>Out of memory</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+3"/>
+        <source>An unknown error has occured</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>CaptureTools</name>
+    <message>
+        <location filename="../app/CaptureTools.cpp" line="+15"/>
+        <source>Record the screen</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+2"/>
+        <source>Capture video</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+17"/>
+        <source>Capture needs the editor&apos;s inter-process layer, which is not running.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+28"/>
+        <source>No capture application is installed.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+2"/>
+        <source>A capture application is starting or running.</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>Common</name>
+    <message>
+        <location filename="../library/AppUtil/ErrorDescription.cpp" line="-56"/>
+        <source>An unknown error has occurred</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+138"/>
+        <source>Please contact us at %1 to get assistance.</source>
         <translation type="unfinished"></translation>
     </message>
 </context>
@@ -244,6 +341,34 @@
     </message>
 </context>
 <context>
+    <name>Export</name>
+    <message>
+        <location filename="../library/AppUtil/ErrorDescription.cpp" line="-123"/>
+        <source>The chosen codec is not supported.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+2"/>
+        <source>Can&apos;t export project because of problem with the Intel graphics chip. Try disabling Intel hardware acceleration in the Preferences.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+4"/>
+        <source>The frame size is not supported by selected codec encoding implementation.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+7"/>
+        <source>Can not create output file</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+5"/>
+        <source>The input file is corrupted or missing from the specified location.</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
     <name>ExternalResourceInfoDialog</name>
     <message>
         <location filename="../library/AppUtil/Dialog/NoticeDialogs.cpp" line="+164"/>
@@ -283,6 +408,29 @@
     </message>
 </context>
 <context>
+    <name>FreezeFrame</name>
+    <message>
+        <location filename="../library/AppUtil/ErrorDescription.cpp" line="+89"/>
+        <source>No more space left on device</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+2"/>
+        <source>Can not create output file</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+3"/>
+        <source>Out of memory</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+2"/>
+        <source>An unknown error has occurred. %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
     <name>GeneralButtonsTr</name>
     <message>
         <location filename="../platform/ui/Util/GeneralButtonsTr.cpp" line="+7"/>
@@ -318,7 +466,7 @@
 <context>
     <name>HostServices</name>
     <message>
-        <location filename="../app/HostServices.cpp" line="+55"/>
+        <location filename="../app/HostServices.cpp" line="+56"/>
         <location line="+22"/>
         <source>&amp;Help</source>
         <translation type="unfinished"></translation>
@@ -433,29 +581,76 @@
     </message>
 </context>
 <context>
+    <name>MediaBin</name>
+    <message>
+        <location filename="../app/MediaBin.cpp" line="+36"/>
+        <source>Opening...</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+5"/>
+        <source>Can&apos;t be opened: %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+8"/>
+        <source>%1 fps</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+5"/>
+        <source>%1 %2 Hz</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+5"/>
+        <source>HDR</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+5"/>
+        <source>unsupported: %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+120"/>
+        <source>File information...</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+3"/>
+        <source>Remove from project</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
     <name>QObject</name>
     <message>
+        <location filename="../library/AppUtil/ErrorDescription.cpp" line="-120"/>
         <location filename="fixed_contexts.cpp" line="+11"/>
         <source>Conversion error. Invalid preset settings: unsupported codec for specified format.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <location line="+1"/>
+        <location line="+15"/>
+        <location filename="fixed_contexts.cpp" line="+1"/>
         <source>No more space left on device</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <location line="+1"/>
+        <location line="+2"/>
+        <location filename="fixed_contexts.cpp" line="+1"/>
         <source>Sorry, this file is copyright protected and cannot be converted.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <location line="+1"/>
+        <location line="+5"/>
+        <location filename="fixed_contexts.cpp" line="+1"/>
         <source>Conversion error. Out of memory. Try reducing the width and height for the output file.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <location filename="../app/main.cpp" line="+74"/>
+        <location filename="../app/main.cpp" line="+114"/>
         <source>Files you added from outside the editor.</source>
         <translation type="unfinished"></translation>
     </message>
@@ -483,6 +678,49 @@
         <location line="+2"/>
         <location filename="fixed_contexts.cpp" line="+1"/>
         <source>Restart</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>Stabilization</name>
+    <message>
+        <location filename="../library/AppUtil/ErrorDescription.cpp" line="+57"/>
+        <source>The frame size is not supported by selected codec encoding implementation.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+3"/>
+        <source>No more space left on device</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+2"/>
+        <source>Sorry, this file is copyright protected and cannot be converted.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+3"/>
+        <source>Can not create output file</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+3"/>
+        <source>Out of memory</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+2"/>
+        <source>The input file is corrupted or missing from the specified location.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+3"/>
+        <source>Path to stabilized files could not be used. Please select a different directory in Preferences.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+4"/>
+        <source>An unknown error has occurred. %1</source>
         <translation type="unfinished"></translation>
     </message>
 </context>
@@ -618,6 +856,27 @@
     <message>
         <location line="+6"/>
         <source>%1 programs cannot correctly display imported files because they do not support the codec. This can be resolved by: %2</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>mainWindow.codecWarningWindow</name>
+    <message>
+        <location filename="../library/AppUtil/FileOpenHandler.cpp" line="+185"/>
+        <source>Some videos used in this project could not be opened. They may be corrupted, or their codecs &lt;a href=&quot;%1&quot;&gt;are not supported.&lt;/a&gt;</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>mainWindow.hdrColorConversionDialog</name>
+    <message>
+        <location line="+14"/>
+        <source>Automatic color conversion</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>You&apos;ve added an HDR video. We&apos;ve converted it to SDR so the colors in the video are correctly displayed within the program. The changes won&apos;t affect anything you’re working on in %1</source>
         <translation type="unfinished"></translation>
     </message>
 </context>

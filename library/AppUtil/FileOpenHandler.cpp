@@ -12,6 +12,7 @@
 #include <Util/Scheduler.h>
 
 #include <QCoreApplication>
+#include <QHash>
 #include <QSet>
 
 #include <algorithm>
@@ -39,8 +40,26 @@ struct FileOpenHandler::Impl
 {
     explicit Impl(FileOpenHandler* owner) : scheduler(owner, &FileOpenHandler::makeProcessing, 0) {}
 
+    // Drops the entries of removed files from `added`, keeping the order of the others.
+    void compact()
+    {
+        if (removedEntries == 0)
+            return;
+        added.erase(std::remove_if(added.begin(), added.end(),
+                                   [this](const Media::File* file) { return removed.contains(file); }),
+                    added.end());
+        removed.clear();
+        removedEntries = 0;
+    }
+
     QSet<const Media::File*> processed;
     QList<const Media::File*> added;
+    // Removing a file from `added` at once would walk the whole batch for every file, which
+    // is quadratic when a pass removes its failed files. Removed files are therefore only
+    // marked, and `added` is compacted when it is read.
+    QHash<const Media::File*, int> entries; // file -> times listed in `added`, removed ones excluded
+    QSet<const Media::File*> removed;       // files whose entries are still in `added`
+    int removedEntries = 0;
     std::multimap<int, const Media::File*> errors;
     Tavrin::Util::Scheduler<FileOpenHandler> scheduler;
     bool hdrNoticeShown = false;
@@ -57,18 +76,27 @@ const std::multimap<int, const Media::File*>& FileOpenHandler::errorRecord() con
 
 void FileOpenHandler::fileAdded(const Media::File* file)
 {
+    // A new file may reuse the address of one removed earlier in the batch.
+    if (d->removed.contains(file))
+        d->compact();
     d->added.append(file);
+    ++d->entries[file];
     subscribe(file);
 }
 
 void FileOpenHandler::fileRemoved(const Media::File* file)
 {
-    if (d->added.removeAll(file) > 0 && (file->isOpened() || file->isFailed()))
-        d->processed.remove(file);
+    const int listed = d->entries.take(file);
+    if (listed > 0) {
+        d->removed.insert(file);
+        d->removedEntries += listed;
+        if (file->isOpened() || file->isFailed())
+            d->processed.remove(file);
+    }
     unsubscribe(file);
     // The files left may all have reported already; without a request the batch would
     // wait for the next file added. A removal from within a pass belongs to that pass.
-    if (!d->added.isEmpty() && !processingInProgress)
+    if (totalFilesCount() > 0 && !processingInProgress)
         d->scheduler.schedule();
 }
 
@@ -124,20 +152,34 @@ void FileOpenHandler::clear()
 {
     d->added.clear();
     d->processed.clear();
+    d->entries.clear();
+    d->removed.clear();
+    d->removedEntries = 0;
 }
+
+namespace {
+// Files of one batch are usually allocated one after the other, so they mostly arrive in
+// address order: hinting the end makes each such insertion constant time instead of a
+// search of the whole set. Any other order still lands in the right place.
+void insertFile(std::set<const Media::File*>& files, const Media::File* file)
+{
+    files.emplace_hint(files.end(), file);
+}
+} // namespace
 
 FileOpenHandler::AnalyzedProduct FileOpenHandler::makeFilesAnalyze()
 {
     AnalyzedProduct product;
+    d->compact();
     for (const Media::File* file : qAsConst(d->added)) {
         const bool unsupported = !file->unsupportedCodecs().isEmpty();
         if (resolve(file) == None) {
             if (unsupported)
-                product.openedUnsupportedCodecFiles.insert(file);
+                insertFile(product.openedUnsupportedCodecFiles, file);
         } else {
-            product.failedFiles.insert(file);
+            insertFile(product.failedFiles, file);
             if (unsupported)
-                product.failedUnsupportedCodecFiles.insert(file);
+                insertFile(product.failedUnsupportedCodecFiles, file);
         }
         if (!product.hasHDR)
             product.hasHDR = Media::File::hasHDRStreams(file);
@@ -147,6 +189,7 @@ FileOpenHandler::AnalyzedProduct FileOpenHandler::makeFilesAnalyze()
 
 const QList<const Media::File*>& FileOpenHandler::addedFiles() const
 {
+    d->compact();
     return d->added;
 }
 
@@ -157,7 +200,7 @@ int FileOpenHandler::processedFilesCount() const
 
 int FileOpenHandler::totalFilesCount() const
 {
-    return d->added.size();
+    return d->added.size() - d->removedEntries;
 }
 
 bool FileOpenHandler::showFailedFilesDialog(AnalyzedProduct product)

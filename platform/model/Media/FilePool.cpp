@@ -10,6 +10,7 @@
 #include <glog/logging.h>
 
 #include <algorithm>
+#include <list>
 #include <unordered_map>
 
 namespace Media {
@@ -40,8 +41,10 @@ struct Mailbox
 struct FilePool::Impl
 {
     FilePool* q;
-    std::vector<std::unique_ptr<File>> files;
-    std::unordered_map<const File*, File*> index;
+    // In the order added. A list, so that removing one file of many (a batch's failed
+    // files) neither searches nor shifts the others.
+    std::list<std::unique_ptr<File>> files;
+    std::unordered_map<const File*, std::list<std::unique_ptr<File>>::iterator> index;
     std::unordered_map<const File*, quint64> openingJobs; // file -> job id
     std::unordered_map<quint64, const File*> jobFiles;
     quint64 nextJob = 1;
@@ -52,7 +55,7 @@ struct FilePool::Impl
     File* find(const File* file) const
     {
         const auto it = index.find(file);
-        return it == index.end() ? nullptr : it->second;
+        return it == index.end() ? nullptr : it->second->get();
     }
 
     // Calls every view, skipping views removed by an earlier one; with `whileInPool`, stops
@@ -131,7 +134,7 @@ const File* FilePool::addFile(const QString& path, Opening opening)
 {
     d->files.push_back(std::make_unique<File>(path));
     File* file = d->files.back().get();
-    d->index.emplace(file, file);
+    d->index.emplace(file, std::prev(d->files.end()));
     if (opening == Opening::Automatic)
         d->start(file);
     else
@@ -152,16 +155,14 @@ QList<const File*> FilePool::addFiles(const QStringList& paths, Opening opening)
 
 void FilePool::removeFile(const File* file)
 {
-    if (!d->find(file))
+    const auto found = d->index.find(file);
+    if (found == d->index.end())
         return;
-    // From the back: the pool's destructor removes the last file first.
-    const auto it = std::find_if(d->files.rbegin(), d->files.rend(),
-                                 [file](const std::unique_ptr<File>& owned) { return owned.get() == file; });
     const bool wasOpening = d->openingJobs.count(file) > 0;
     d->forget(file);
-    std::unique_ptr<File> owned = std::move(*it);
-    d->files.erase(std::next(it).base());
-    d->index.erase(file);
+    std::unique_ptr<File> owned = std::move(*found->second);
+    d->files.erase(found->second);
+    d->index.erase(found);
     d->tellViews(file, false, [file](FileView* view) { view->fileRemoved(file); });
     emit fileRemoved(file);
     d->removed.push_back(std::move(owned));

@@ -1,6 +1,7 @@
 // The Customization functions over managers registered by the test: the fixed rules
 // (full names, bold text, support link, layout order) and the forwarding to managers.
 #include "TestSandbox.h"
+#include "FakeCustomization.h"
 #include <Customization.h>
 
 #include <App/ICustomizationManager.h>
@@ -15,24 +16,6 @@
 
 namespace {
 using namespace Tavrin::App;
-
-class FakeCustomization : public ICustomizationManager
-{
-public:
-    std::string organization = "Tavrin";
-    QObject* applied = nullptr;
-    void apply(QObject* object) override { applied = object; }
-    std::string organizationId() const override { return "tavrin"; }
-    std::string organizationPresentableName() const override { return organization; }
-    std::string organizationDomainName() const override { return "klipvane.example"; }
-    std::string productName() const override { return "Klipvane"; }
-    std::string productNameLocalized() const override { return "Klipvane Videoeditor"; }
-    std::string applicationName() const override { return "Klipvane"; }
-    std::string productId() const override { return "tavrin.klipvane"; }
-    std::string singleInstanceKey() const override { return "key"; }
-    std::shared_ptr<ILinksOpener> linksOpener() const override { return {}; }
-    std::shared_ptr<ILinksGenerator> linksGenerator() const override { return {}; }
-};
 
 class FakeLinks : public ILinksManager
 {
@@ -76,6 +59,7 @@ private slots:
     void init()
     {
         m_customization = std::make_shared<FakeCustomization>();
+        m_customization->localizedName = "Klipvane Videoeditor";
         m_links = std::make_shared<FakeLinks>();
         m_lookAndFeel = std::make_shared<FakeLookAndFeel>();
         ServiceRegistry::instance().set<ICustomizationManager>(m_customization);

@@ -3,7 +3,8 @@
 // Small stand-ins for the managers the media-intake code reaches through the service
 // registry (links and customisation), with fixed, recognisable values.
 
-#include <App/ICustomizationManager.h>
+#include "FakeCustomization.h"
+
 #include <App/ILinksManager.h>
 #include <App/ServiceRegistry.h>
 
@@ -29,27 +30,11 @@ public:
     void setLinksOpener(std::shared_ptr<Tavrin::App::ILinksOpener>) override {}
 };
 
-class Customization : public Tavrin::App::ICustomizationManager
-{
-public:
-    void apply(QObject*) override {}
-    std::string organizationId() const override { return "klipvane"; }
-    std::string organizationPresentableName() const override { return "Tavrin"; }
-    std::string organizationDomainName() const override { return "klipvane.test"; }
-    std::string productName() const override { return "Klipvane"; }
-    std::string productNameLocalized() const override { return "Klipvane"; }
-    std::string applicationName() const override { return "Klipvane"; }
-    std::string productId() const override { return "klipvane-test"; }
-    std::string singleInstanceKey() const override { return "klipvane-test"; }
-    std::shared_ptr<Tavrin::App::ILinksOpener> linksOpener() const override { return nullptr; }
-    std::shared_ptr<Tavrin::App::ILinksGenerator> linksGenerator() const override { return nullptr; }
-};
-
 inline void install()
 {
     auto& registry = Tavrin::App::ServiceRegistry::instance();
     registry.set<Tavrin::App::ILinksManager>(std::make_shared<Links>());
-    registry.set<Tavrin::App::ICustomizationManager>(std::make_shared<Customization>());
+    FakeCustomization::install();
 }
 
 } // namespace MediaTestServices

@@ -98,6 +98,8 @@ private slots:
 
     void passRunsAfterLastReportOnLaterTurn();
     void removalBeforeReportCompletesBatch();
+    void removalKeepsTheOthersInOrder();
+    void removalInsidePassAndReusedAddress();
     void manyCallbacksOnePass();
     void analysisSorts();
     void failedFilesMessage_data();
@@ -178,6 +180,74 @@ void tst_FileOpenHandler::removalBeforeReportCompletesBatch()
     pool.finishOpening(next[1], opened());
     QVERIFY(QTest::qWaitFor([&] { return handler.products.size() == 2; }));
     QVERIFY(handler.products[1].failedFiles.empty());
+}
+
+void tst_FileOpenHandler::removalKeepsTheOthersInOrder()
+{
+    FilePool pool;
+    TestHandler handler;
+    handler.showDialogs = false;
+    pool.addView(&handler);
+    const auto files = pool.addFiles({"a.mp4", "b.mp4", "c.mp4", "d.mp4", "e.mp4"}, FilePool::Opening::Manual);
+    pool.finishOpening(files[1], failed(36));
+    pool.removeFile(files[1]);
+    pool.removeFile(files[3]);
+    pool.removeFile(files[3]); // a second removal of the same file changes nothing
+    QCOMPARE(handler.totalFilesCount(), 3);
+    QCOMPARE(handler.processedFilesCount(), 0);
+    QCOMPARE(handler.addedFiles(), (QList<const File*>{files[0], files[2], files[4]}));
+
+    QList<const File*> seenInPass;
+    handler.duringPass = [&] { seenInPass = handler.addedFiles(); };
+    pool.finishOpening(files[4], opened());
+    pool.finishOpening(files[0], failed(36));
+    pool.finishOpening(files[2], opened());
+    QVERIFY(QTest::qWaitFor([&] { return !handler.products.empty(); }));
+    QCOMPARE(seenInPass, (QList<const File*>{files[0], files[2], files[4]}));
+    QCOMPARE(handler.products[0].failedFiles, std::set<const File*>{files[0]});
+}
+
+// A derived class removes the failed files it was just told about; the files added next
+// (which may reuse the memory of the removed ones) form a batch of their own.
+void tst_FileOpenHandler::removalInsidePassAndReusedAddress()
+{
+    FilePool pool;
+    TestHandler handler;
+    handler.showDialogs = false;
+    pool.addView(&handler);
+    QList<const File*> leftInPass;
+    handler.duringPass = [&] {
+        for (const File* file : handler.products.back().failedFiles)
+            pool.removeFile(file);
+        leftInPass = handler.addedFiles();
+    };
+    const auto files = pool.addFiles({"a.mp4", "b.mp4", "c.mp4", "d.mp4"}, FilePool::Opening::Manual);
+    pool.finishOpening(files[0], failed(36));
+    pool.finishOpening(files[1], opened());
+    pool.finishOpening(files[2], failed(11, {QStringLiteral("h265")}));
+    pool.finishOpening(files[3], opened());
+    QVERIFY(QTest::qWaitFor([&] { return !handler.products.empty(); }));
+    QCOMPARE(leftInPass, (QList<const File*>{files[1], files[3]}));
+    QCOMPARE(pool.files(), (QList<const File*>{files[1], files[3]}));
+    QCOMPARE(handler.totalFilesCount(), 0);
+
+    // Mid-batch: a file removed before it reports, then a new one, quite possibly at the
+    // removed file's address once the pool has deleted it.
+    handler.duringPass = nullptr;
+    const File* gone = pool.addFile(QStringLiteral("e.mp4"), FilePool::Opening::Manual);
+    const File* kept = pool.addFile(QStringLiteral("f.mp4"), FilePool::Opening::Manual);
+    pool.removeFile(gone);
+    QCoreApplication::processEvents();
+    const File* added = pool.addFile(QStringLiteral("g.mp4"), FilePool::Opening::Manual);
+    if (added != gone)
+        qInfo("the new file did not reuse the removed one's address");
+    QCOMPARE(handler.addedFiles(), (QList<const File*>{kept, added}));
+    QCOMPARE(handler.totalFilesCount(), 2);
+    pool.finishOpening(kept, opened());
+    pool.finishOpening(added, failed(36));
+    QVERIFY(QTest::qWaitFor([&] { return handler.products.size() == 2; }));
+    QCOMPARE(handler.products[1].failedFiles, std::set<const File*>{added});
+    QVERIFY(handler.products[1].openedUnsupportedCodecFiles.empty());
 }
 
 void tst_FileOpenHandler::manyCallbacksOnePass()
