@@ -5,6 +5,8 @@
 //                                       two servers below as child processes
 //   bench_ipc receiver                  the editor's message set (IPC::Protocol) as "klipvane"
 //   bench_ipc echo SOCKET_PATH          a QLocalServer that writes back every byte it reads
+//   bench_ipc burst                     reading bursts of 64 KiB to 4 MiB of small frames
+//                                       out of one buffer
 //
 // The client sends "OnAddFiles" with one path per call, one at a time (send, wait for the
 // answer) and pipelined (all sent, then all answers awaited). The echo client does the same
@@ -316,6 +318,34 @@ int runRate(int calls, int rounds)
     return 0;
 }
 
+// How a connection's reader copes with many small frames arriving at once (a pipelining
+// peer, or a receiver that was busy). Linear reading keeps the time per frame flat.
+int runBurst()
+{
+    for (std::size_t size : {std::size_t(64) << 10, std::size_t(1) << 20, std::size_t(4) << 20}) {
+        std::string burst;
+        while (burst.size() < size)
+            burst += Tavrin::UniqueIPC::encodeReply(std::uint32_t(burst.size()), Tavrin::UniqueIPC::ReplyStatus::Handled);
+        double best = 0;
+        std::size_t frames = 0;
+        for (int round = 0; round < 3; ++round) {
+            QElapsedTimer clock;
+            clock.start();
+            Tavrin::UniqueIPC::FrameReader reader;
+            reader.append(burst.data(), burst.size());
+            Tavrin::UniqueIPC::Frame frame;
+            frames = 0;
+            while (reader.next(frame) == Tavrin::UniqueIPC::FrameReader::Result::Frame)
+                ++frames;
+            const double ms = clock.nsecsElapsed() / 1e6;
+            best = round ? std::min(best, ms) : ms;
+        }
+        std::printf("burst bytes=%zu frames=%zu read_ms=%.3f ns_per_frame=%.0f (best of 3)\n", burst.size(), frames,
+                    best, best * 1e6 / double(frames));
+    }
+    return 0;
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -330,12 +360,14 @@ int main(int argc, char** argv)
         return runReceiver(application);
     if (mode == QLatin1String("echo") && args.size() == 2)
         return runEcho(application, args[1]);
+    if (mode == QLatin1String("burst"))
+        return runBurst();
     if (mode == QLatin1String("rate")) {
         const int calls = args.size() > 1 ? args[1].toInt() : 10000;
         const int rounds = args.size() > 2 ? args[2].toInt() : 5;
         if (calls > 0 && rounds > 0)
             return runRate(calls, rounds);
     }
-    std::fprintf(stderr, "usage: bench_ipc rate [CALLS [ROUNDS]] | receiver | echo SOCKET_PATH\n");
+    std::fprintf(stderr, "usage: bench_ipc rate [CALLS [ROUNDS]] | burst | receiver | echo SOCKET_PATH\n");
     return 2;
 }

@@ -5,7 +5,8 @@
 #      side by side with the same hand-off on Debian's SingleApplication (bench_singleapp),
 #      runs interleaved so both see the same machine load. Medians and ratio ours/peer.
 #  (b) calls per second over one connection, one at a time and pipelined, against a raw
-#      local socket echo of the same bytes (bench_ipc rate).
+#      local socket echo of the same bytes (bench_ipc rate);
+#  (c) reading bursts of small frames out of one buffer: time per frame must stay flat.
 # Every process of the run gets private folders under one mktemp directory (mode 0700);
 # the two primaries are ended by their process ids.
 set -eu
@@ -116,6 +117,8 @@ echo "    mean cpu_ms (user+system): klipvane=$(cpu_ms "$work/ours.cpu") singlea
 # A folder of its own: the primary editor, ended above, may have left its socket behind.
 mkdir -m 0700 "$work/ipc_rate"
 echo "(b) $(KLIPVANE_IPC_DIR="$work/ipc_rate" "$bin/bench_ipc" rate 2>&1 | sed '2,$s/^/    /')"
+
+echo "(c) $("$bin/bench_ipc" burst 2>&1 | sed '2,$s/^/    /')"
 
 if [ "$failures" -ne 0 ]; then
     echo "run_ipc: $failures failed hand-off(s)" >&2
