@@ -9,6 +9,7 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include "HostProcess.h"
 #include "TestSandbox.h"
 
 #if __has_include("TestMedia.h")
@@ -26,18 +27,6 @@ struct Run
     QByteArray err;
     QStringList commands; // the text after "command: ", in log order
 };
-
-QStringList loggedCommands(const QByteArray& log)
-{
-    static const QRegularExpression line(QStringLiteral("\\] command: (.*)$"));
-    QStringList commands;
-    for (const QByteArray& raw : log.split('\n')) {
-        const auto match = line.match(QString::fromLocal8Bit(raw.trimmed()));
-        if (match.hasMatch())
-            commands << match.captured(1);
-    }
-    return commands;
-}
 
 } // namespace
 
@@ -67,10 +56,7 @@ private:
 
 void TestKlipvaneCli::initTestCase()
 {
-    QString folder = qEnvironmentVariable("KLIPVANE_TEST_BIN_DIR");
-    if (folder.isEmpty())
-        folder = QCoreApplication::applicationDirPath();
-    m_program = folder + QStringLiteral("/klipvane");
+    m_program = KvTest::builtProgram(QStringLiteral("klipvane"));
     QVERIFY2(QFileInfo(m_program).isExecutable(), qPrintable(m_program));
 }
 
@@ -106,17 +92,7 @@ void TestKlipvaneCli::init()
 
 Run TestKlipvaneCli::start(const QStringList& arguments)
 {
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
-    for (const char* sub : {"config", "log", "runtime", "ipc"}) {
-        const QString folder = m_home->filePath(QString::fromLatin1(sub));
-        QDir().mkpath(folder);
-        QFile::setPermissions(folder, QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
-    }
-    environment.insert(QStringLiteral("KLIPVANE_CONFIG_DIR"), m_home->filePath(QStringLiteral("config")));
-    environment.insert(QStringLiteral("KLIPVANE_LOG_DIR"), m_home->filePath(QStringLiteral("log")));
-    environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), m_home->filePath(QStringLiteral("runtime")));
-    environment.insert(QStringLiteral("KLIPVANE_IPC_DIR"), m_home->filePath(QStringLiteral("ipc")));
+    const QProcessEnvironment environment = KvTest::hostEnvironment(*m_home);
 
     QProcess process;
     process.setProcessEnvironment(environment);
@@ -133,7 +109,7 @@ Run TestKlipvaneCli::start(const QStringList& arguments)
     run.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
     run.out = process.readAllStandardOutput();
     run.err = process.readAllStandardError();
-    run.commands = loggedCommands(run.err);
+    run.commands = KvTest::logged(run.err, QStringLiteral("command: "));
     return run;
 }
 
@@ -207,7 +183,7 @@ void TestKlipvaneCli::logAlsoWrittenToTheLogFolder()
             written += file.readAll();
     }
     QVERIFY2(!written.isEmpty(), "no log file in KLIPVANE_LOG_DIR");
-    QCOMPARE(loggedCommands(written), run.commands);
+    QCOMPARE(KvTest::logged(written, QStringLiteral("command: ")), run.commands);
 }
 
 QTEST_GUILESS_MAIN(TestKlipvaneCli)

@@ -11,6 +11,7 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include "HostProcess.h"
 #include "TestMedia.h"
 
 namespace {
@@ -23,18 +24,6 @@ struct Run
     QStringList answers;     // the text after "dialog answer: ", in log order
     QString batch;           // the text after "media batch reported: "
 };
-
-QStringList logged(const QByteArray& log, const QString& prefix)
-{
-    const QRegularExpression line(QStringLiteral("\\] ") + QRegularExpression::escape(prefix) + QStringLiteral("(.*)$"));
-    QStringList found;
-    for (const QByteArray& raw : log.split('\n')) {
-        const auto match = line.match(QString::fromLocal8Bit(raw.trimmed()));
-        if (match.hasMatch())
-            found << match.captured(1);
-    }
-    return found;
-}
 
 } // namespace
 
@@ -60,10 +49,7 @@ private:
 
 void TestKlipvaneMedia::initTestCase()
 {
-    QString folder = qEnvironmentVariable("KLIPVANE_TEST_BIN_DIR");
-    if (folder.isEmpty())
-        folder = QCoreApplication::applicationDirPath();
-    m_program = folder + QStringLiteral("/klipvane");
+    m_program = KvTest::builtProgram(QStringLiteral("klipvane"));
     QVERIFY2(QFileInfo(m_program).isExecutable(), qPrintable(m_program));
     if (TestMedia::folder().isEmpty())
         QSKIP("ffmpeg is not installed; no media to open");
@@ -86,18 +72,8 @@ void TestKlipvaneMedia::init()
 
 Run TestKlipvaneMedia::start(const QStringList& arguments)
 {
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    QProcessEnvironment environment = KvTest::hostEnvironment(*m_home);
     environment.insert(QStringLiteral("KLIPVANE_DISMISS_DIALOGS_MS"), QStringLiteral("0"));
-    for (const char* sub : {"config", "log", "runtime", "ipc"}) {
-        const QString folder = m_home->filePath(QString::fromLatin1(sub));
-        QDir().mkpath(folder);
-        QFile::setPermissions(folder, QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
-    }
-    environment.insert(QStringLiteral("KLIPVANE_CONFIG_DIR"), m_home->filePath(QStringLiteral("config")));
-    environment.insert(QStringLiteral("KLIPVANE_LOG_DIR"), m_home->filePath(QStringLiteral("log")));
-    environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), m_home->filePath(QStringLiteral("runtime")));
-    environment.insert(QStringLiteral("KLIPVANE_IPC_DIR"), m_home->filePath(QStringLiteral("ipc")));
 
     QProcess process;
     process.setProcessEnvironment(environment);
@@ -115,7 +91,7 @@ Run TestKlipvaneMedia::start(const QStringList& arguments)
     while (!run.reported && process.state() == QProcess::Running && limit.elapsed() < 60000) {
         process.waitForReadyRead(200);
         run.log += process.readAll();
-        run.reported = !logged(run.log, QStringLiteral("media batch reported: ")).isEmpty();
+        run.reported = !KvTest::logged(run.log, QStringLiteral("media batch reported: ")).isEmpty();
     }
     if (process.state() != QProcess::NotRunning) {
         process.terminate();
@@ -125,9 +101,9 @@ Run TestKlipvaneMedia::start(const QStringList& arguments)
         }
     }
     run.log += process.readAll();
-    run.dialogs = logged(run.log, QStringLiteral("dialog: "));
-    run.answers = logged(run.log, QStringLiteral("dialog answer: "));
-    const QStringList batches = logged(run.log, QStringLiteral("media batch reported: "));
+    run.dialogs = KvTest::logged(run.log, QStringLiteral("dialog: "));
+    run.answers = KvTest::logged(run.log, QStringLiteral("dialog answer: "));
+    const QStringList batches = KvTest::logged(run.log, QStringLiteral("media batch reported: "));
     run.batch = batches.value(0);
     return run;
 }

@@ -2,6 +2,8 @@
 // what the running editor does with it, and how the single-instance rule survives crowds,
 // crashes, frozen editors and hostile peers.
 
+#include "HostProcess.h"
+
 #include <QDir>
 #include <QFile>
 #include <QLocalSocket>
@@ -17,26 +19,6 @@
 #include <sys/types.h>
 
 namespace {
-
-QString binary(const char* name)
-{
-    QString folder = qEnvironmentVariable("KLIPVANE_TEST_BIN_DIR");
-    if (folder.isEmpty())
-        folder = QCoreApplication::applicationDirPath();
-    return folder + QLatin1Char('/') + QString::fromLatin1(name);
-}
-
-QStringList linesAfter(const QByteArray& log, const QString& marker)
-{
-    QStringList found;
-    for (const QByteArray& raw : log.split('\n')) {
-        const QString line = QString::fromUtf8(raw.trimmed());
-        const int at = line.indexOf(marker);
-        if (at >= 0)
-            found << line.mid(at + marker.size());
-    }
-    return found;
-}
 
 // One editor process and everything it printed.
 class Editor
@@ -59,7 +41,7 @@ public:
     void start(const QStringList& arguments, const QString& folder)
     {
         m_process.setWorkingDirectory(folder);
-        m_process.start(binary("klipvane"), arguments);
+        m_process.start(KvTest::builtProgram(QStringLiteral("klipvane")), arguments);
     }
 
     // Reads until the editor has finished starting (its start-up action ran).
@@ -97,8 +79,8 @@ public:
         m_log += m_process.readAllStandardError();
         return m_log;
     }
-    QStringList commands() { return linesAfter(log(), QStringLiteral("] command: ")); }
-    QStringList collections() { return linesAfter(log(), QStringLiteral("] collection: ")); }
+    QStringList commands() { return KvTest::logged(log(), QStringLiteral("command: ")); }
+    QStringList collections() { return KvTest::logged(log(), QStringLiteral("collection: ")); }
 
 private:
     QProcess m_process;
@@ -139,19 +121,8 @@ void TestSecondLaunch::init()
     // see those of another.
     m_home = std::make_unique<QTemporaryDir>();
     QVERIFY(m_home->isValid());
-    m_environment = QProcessEnvironment::systemEnvironment();
-    m_environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    m_environment = KvTest::hostEnvironment(*m_home);
     m_environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
-    const std::pair<const char*, const char*> folders[] = {{"config", "KLIPVANE_CONFIG_DIR"},
-                                                           {"log", "KLIPVANE_LOG_DIR"},
-                                                           {"runtime", "XDG_RUNTIME_DIR"},
-                                                           {"ipc", "KLIPVANE_IPC_DIR"}};
-    for (const auto& [sub, variable] : folders) {
-        const QString folder = m_home->filePath(QString::fromLatin1(sub));
-        QVERIFY(QDir().mkpath(folder));
-        QFile::setPermissions(folder, QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
-        m_environment.insert(QString::fromLatin1(variable), folder);
-    }
     m_files = QDir(m_home->filePath(QStringLiteral("files"))).absolutePath();
     QVERIFY(QDir().mkpath(m_files));
     m_files = QDir(m_files).canonicalPath();
@@ -251,7 +222,7 @@ void TestSecondLaunch::openProjectCallAddsTheFileAndShowsTheWindow()
     auto primary = startPrimary();
     QProcess sender;
     sender.setProcessEnvironment(m_environment);
-    sender.start(binary("ipcsend"), {QStringLiteral("klipvane"), QStringLiteral("OnOpenProject"), project});
+    sender.start(KvTest::builtProgram(QStringLiteral("ipcsend")), {QStringLiteral("klipvane"), QStringLiteral("OnOpenProject"), project});
     QVERIFY(sender.waitForFinished(10000));
     QCOMPARE(sender.exitCode(), 0);
     QVERIFY(primary->waitForLog(QStringLiteral("] command: ShowMainWindow")));

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <QByteArray>
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QProcessEnvironment>
+#include <QRegularExpression>
+#include <QStringList>
+#include <QTemporaryDir>
+
+// What tests that start the real reference host share: where its executables are, a
+// private set of per-user folders for a launch, and reading the host's log lines.
+namespace KvTest {
+
+// An executable built with the tests (the host, tools, helpers).
+inline QString builtProgram(const QString& name)
+{
+    QString folder = qEnvironmentVariable("KLIPVANE_TEST_BIN_DIR");
+    if (folder.isEmpty())
+        folder = QCoreApplication::applicationDirPath();
+    return folder + QLatin1Char('/') + name;
+}
+
+// The environment of a host launch whose settings, logs, runtime folder and IPC sockets all
+// live in `home`, offscreen: a launch never meets the user's editor or another test's.
+inline QProcessEnvironment hostEnvironment(const QTemporaryDir& home)
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    const std::pair<const char*, const char*> folders[] = {{"config", "KLIPVANE_CONFIG_DIR"},
+                                                           {"log", "KLIPVANE_LOG_DIR"},
+                                                           {"runtime", "XDG_RUNTIME_DIR"},
+                                                           {"ipc", "KLIPVANE_IPC_DIR"}};
+    for (const auto& [sub, variable] : folders) {
+        const QString folder = home.filePath(QString::fromLatin1(sub));
+        QDir().mkpath(folder);
+        // Private, as the session's own runtime and socket folders are.
+        QFile::setPermissions(folder, QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
+        environment.insert(QString::fromLatin1(variable), folder);
+    }
+    return environment;
+}
+
+// The text after `prefix` on each glog line of `log` whose message starts with it, in order
+// ("command: " gives "AddFiles /a.mp4", "ShowMainWindow", ...).
+inline QStringList logged(const QByteArray& log, const QString& prefix)
+{
+    const QRegularExpression line(QStringLiteral("\\] ") + QRegularExpression::escape(prefix) + QStringLiteral("(.*)$"));
+    QStringList found;
+    for (const QByteArray& raw : log.split('\n')) {
+        const auto match = line.match(QString::fromUtf8(raw.trimmed()));
+        if (match.hasMatch())
+            found << match.captured(1);
+    }
+    return found;
+}
+
+} // namespace KvTest
