@@ -478,7 +478,7 @@
 <context>
     <name>HostServices</name>
     <message>
-        <location filename="../app/HostServices.cpp" line="+56"/>
+        <location filename="../app/HostServices.cpp" line="+66"/>
         <location line="+22"/>
         <source>&amp;Help</source>
         <translation>&amp;Hilfe</translation>
@@ -876,7 +876,7 @@
 <context>
     <name>mainWindow.codecWarningWindow</name>
     <message>
-        <location filename="../library/AppUtil/FileOpenHandler.cpp" line="+185"/>
+        <location filename="../library/AppUtil/FileOpenHandler.cpp" line="+228"/>
         <source>Some videos used in this project could not be opened. They may be corrupted, or their codecs &lt;a href=&quot;%1&quot;&gt;are not supported.&lt;/a&gt;</source>
         <translation>Einige Videos dieses Projekts konnten nicht geöffnet werden. Sie sind möglicherweise beschädigt, oder ihre Codecs &lt;a href=&quot;%1&quot;&gt;werden nicht unterstützt.&lt;/a&gt;</translation>
     </message>
