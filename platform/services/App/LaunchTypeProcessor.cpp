@@ -5,13 +5,16 @@
 namespace Tavrin {
 namespace App {
 namespace {
-LaunchType recordLaunch(const QString& key, const QString& version)
+// Writes only when the recorded version changes: most launches are regular ones, and a
+// launch that merely hands its files to the running editor must not pay for a disk sync.
+LaunchType recordLaunch(const QString& key, const QString& version, bool* changed)
 {
     const QVariant previous = Settings::value(key);
+    if (previous.isValid() && previous.toString() == version)
+        return LaunchType::Regular;
     Settings::setValue(key, version);
-    if (!previous.isValid())
-        return LaunchType::FirstAfterInstall;
-    return previous.toString() == version ? LaunchType::Regular : LaunchType::FirstAfterUpdate;
+    *changed = true;
+    return previous.isValid() ? LaunchType::FirstAfterUpdate : LaunchType::FirstAfterInstall;
 }
 
 QString keyPart(const QString& name)
@@ -25,10 +28,12 @@ QString keyPart(const QString& name)
 
 LaunchTypeProcessor::LaunchTypeProcessor(const QString& productId, const QString& applicationName,
                                          const QString& version)
-    : m_product(recordLaunch(QStringLiteral("Launches/Product/") + keyPart(productId), version))
-    , m_application(recordLaunch(QStringLiteral("Launches/Application/") + keyPart(applicationName), version))
 {
-    Settings::sync();
+    bool changed = false;
+    m_product = recordLaunch(QStringLiteral("Launches/Product/") + keyPart(productId), version, &changed);
+    m_application = recordLaunch(QStringLiteral("Launches/Application/") + keyPart(applicationName), version, &changed);
+    if (changed)
+        Settings::sync();
 }
 
 LaunchTypeProcessor::~LaunchTypeProcessor() = default;

@@ -25,8 +25,8 @@ public:
     LaunchType applicationLaunchType() const override;
 
 private:
-    LaunchType m_product;
-    LaunchType m_application;
+    LaunchType m_product = LaunchType::Regular;
+    LaunchType m_application = LaunchType::Regular;
 };
 
 } // namespace App
