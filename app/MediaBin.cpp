@@ -128,10 +128,11 @@ MediaBin::~MediaBin()
 
 const Media::File* MediaBin::fileOf(const QListWidgetItem* item) const
 {
-    for (auto it = m_items.cbegin(); it != m_items.cend(); ++it)
-        if (it.value() == item)
-            return it.key();
-    return nullptr;
+    if (!item)
+        return nullptr;
+    // The item keeps its file's address; the map says whether that file is still ours.
+    const auto* file = reinterpret_cast<const Media::File*>(item->data(FileRole).value<quintptr>());
+    return m_items.value(file) == item ? file : nullptr;
 }
 
 void MediaBin::addFiles(const QStringList& files)
@@ -143,6 +144,7 @@ void MediaBin::addFiles(const QStringList& files)
         QListWidgetItem* item = m_bin->item(first + i);
         const Media::File* file = m_pool.addFile(files[i]);
         m_items.insert(file, item);
+        item->setData(FileRole, QVariant::fromValue(reinterpret_cast<quintptr>(file)));
         refresh(file);
     }
 }
@@ -168,10 +170,11 @@ void MediaBin::refresh(const Media::File* file)
         state = QStringLiteral("opened");
         icon = style->standardIcon(file->videoTracks().empty() ? QStyle::SP_MediaVolume : QStyle::SP_FileIcon);
     }
+    const QString factsLine = facts(file);
     item->setIcon(icon);
     item->setData(StateRole, state);
-    item->setData(FactsRole, facts(file));
-    item->setToolTip(file->filePath() + QLatin1Char('\n') + facts(file));
+    item->setData(FactsRole, factsLine);
+    item->setToolTip(file->filePath() + QLatin1Char('\n') + factsLine);
 }
 
 void MediaBin::showContextMenu(const QPoint& position)
@@ -202,12 +205,20 @@ void MediaBin::showFileInfo(QListWidgetItem* item)
 
 void MediaBin::removeItem(QListWidgetItem* item)
 {
-    const Media::File* file = fileOf(item);
-    if (file) {
-        m_items.remove(file);
-        m_pool.removeFile(file);
-    }
+    if (const Media::File* file = fileOf(item))
+        removeFile(file);
+    else
+        delete item;
+}
+
+bool MediaBin::removeFile(const Media::File* file)
+{
+    QListWidgetItem* item = m_items.take(file);
+    if (!item)
+        return false;
+    m_pool.removeFile(file);
     delete item;
+    return true;
 }
 
 bool MediaBin::allowToDeleteClips(const AnalyzedProduct&)
@@ -223,13 +234,8 @@ void MediaBin::postProcessing(AnalyzedProduct product)
     int removed = 0;
     if (!product.failedFiles.empty() || !product.openedUnsupportedCodecFiles.empty()) {
         if (showFailedFilesDialog(product)) {
-            // By file, not through removeItem: finding the file of an item walks the bin.
             for (const Media::File* file : product.failedFiles)
-                if (QListWidgetItem* item = m_items.take(file)) {
-                    m_pool.removeFile(file);
-                    delete item;
-                    ++removed;
-                }
+                removed += removeFile(file) ? 1 : 0;
         }
     }
     if (product.hasHDR)

@@ -43,6 +43,8 @@ private:
     bool allowToDeleteClips(const AnalyzedProduct& product) override;
     void postProcessing(AnalyzedProduct product) override;
     void refresh(const Media::File* file);
+    // Takes `file` out of the project and the bin; false when the bin does not show it.
+    bool removeFile(const Media::File* file);
     void showContextMenu(const QPoint& position);
 
     QListWidget* m_bin;
