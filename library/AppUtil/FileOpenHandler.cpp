@@ -2,13 +2,12 @@
 
 #include "Customization.h"
 #include "Dialog/DialogStrategy.h"
-#include <Util/GeneralButtonsTr.h>
 #include "MediaStatistics.h"
-
 
 #include <Conf/Codecs.h>
 #include <FileUtil/FileUtil.h>
 #include <Settings/Settings.h>
+#include <Util/GeneralButtonsTr.h>
 #include <Util/Scheduler.h>
 
 #include <QCoreApplication>
@@ -165,6 +164,14 @@ void insertFile(std::set<const Media::File*>& files, const Media::File* file)
 {
     files.emplace_hint(files.end(), file);
 }
+
+// Every file of the batch with a codec the editor cannot decode, opened or not.
+std::set<const Media::File*> unsupportedCodecFiles(const FileOpenHandler::AnalyzedProduct& product)
+{
+    std::set<const Media::File*> files = product.failedUnsupportedCodecFiles;
+    files.insert(product.openedUnsupportedCodecFiles.begin(), product.openedUnsupportedCodecFiles.end());
+    return files;
+}
 } // namespace
 
 FileOpenHandler::AnalyzedProduct FileOpenHandler::makeFilesAnalyze()
@@ -207,10 +214,8 @@ bool FileOpenHandler::showFailedFilesDialog(AnalyzedProduct product)
 {
     sendFailedCodecsStatistics(product);
 
-    std::set<const Media::File*> unsupported = product.failedUnsupportedCodecFiles;
-    unsupported.insert(product.openedUnsupportedCodecFiles.begin(), product.openedUnsupportedCodecFiles.end());
     std::set<const Media::File*> h265Files;
-    for (const Media::File* file : unsupported)
+    for (const Media::File* file : unsupportedCodecFiles(product))
         if (file->unsupportedCodecs().contains(Tavrin::Conf::IFormatCodecVideo::CODEC_ID_H265, Qt::CaseSensitive))
             h265Files.insert(file);
 
@@ -254,14 +259,9 @@ void FileOpenHandler::showHDRFilesAddedDialog()
 
 void FileOpenHandler::sendFailedCodecsStatistics(const AnalyzedProduct& product)
 {
-    std::set<const Media::File*> files = product.failedUnsupportedCodecFiles;
-    files.insert(product.openedUnsupportedCodecFiles.begin(), product.openedUnsupportedCodecFiles.end());
-    for (const Media::File* file : files) {
-        const QStringList codecs = file->unsupportedCodecs();
-        if (codecs.isEmpty())
-            continue;
+    for (const Media::File* file : unsupportedCodecFiles(product)) {
         QStringList names;
-        for (const QString& codec : codecs) {
+        for (const QString& codec : file->unsupportedCodecs()) {
             QString name;
             names << (Tavrin::Conf::TranslateCodecId(codec, name) ? name : codec);
         }
