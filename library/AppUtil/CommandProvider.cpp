@@ -34,6 +34,17 @@ public:
             PubSub::publish(Command::AddFiles(files));
     }
 
+    // Before the editor is ready a request only raises its flag; the ready notification
+    // replays the flags in their fixed order.
+    template <class Message>
+    void publishOrHold(bool& held)
+    {
+        if (ready)
+            PubSub::publish(Message());
+        else
+            held = true;
+    }
+
     void openCollection(const QString& name)
     {
         if (auto collection = EditorCollection::CollectionProvider::collection(name))
@@ -100,34 +111,22 @@ bool CommandProvider::hasPendingFiles() const
 
 void CommandProvider::showMainWindow()
 {
-    if (d->ready)
-        PubSub::publish(Command::ShowMainWindow());
-    else
-        d->showMainWindow = true;
+    d->publishOrHold<Command::ShowMainWindow>(d->showMainWindow);
 }
 
 void CommandProvider::hideMainWindow()
 {
-    if (d->ready)
-        PubSub::publish(Command::HideMainWindow());
-    else
-        d->hideMainWindow = true;
+    d->publishOrHold<Command::HideMainWindow>(d->hideMainWindow);
 }
 
 void CommandProvider::showToolsPage()
 {
-    if (d->ready)
-        PubSub::publish(Command::ShowToolsPage());
-    else
-        d->showToolsPage = true;
+    d->publishOrHold<Command::ShowToolsPage>(d->showToolsPage);
 }
 
 void CommandProvider::showImportPage()
 {
-    if (d->ready)
-        PubSub::publish(Command::ShowImportPage());
-    else
-        d->showImportPage = true;
+    d->publishOrHold<Command::ShowImportPage>(d->showImportPage);
 }
 
 void CommandProvider::showCollectionPage(const QString& name)

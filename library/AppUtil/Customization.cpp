@@ -61,6 +61,13 @@ QString utf8(const std::string& text)
 {
     return QString::fromStdString(text);
 }
+
+// One of the customisation's names, empty without a customisation manager.
+QString customizationText(std::string (Tavrin::App::ICustomizationManager::*name)() const)
+{
+    const auto manager = customization();
+    return manager ? utf8(((*manager).*name)()) : QString();
+}
 } // namespace
 
 void init(std::weak_ptr<Tavrin::App::ILookAndFeelManager> const& manager)
@@ -120,38 +127,32 @@ void openUrl(Tavrin::URLKeys const& key)
 
 QString applicationName()
 {
-    const auto manager = customization();
-    return manager ? utf8(manager->applicationName()) : QString();
+    return customizationText(&Tavrin::App::ICustomizationManager::applicationName);
 }
 
 QString productName()
 {
-    const auto manager = customization();
-    return manager ? utf8(manager->productName()) : QString();
+    return customizationText(&Tavrin::App::ICustomizationManager::productName);
 }
 
 QString productNameLocalized()
 {
-    const auto manager = customization();
-    return manager ? utf8(manager->productNameLocalized()) : QString();
+    return customizationText(&Tavrin::App::ICustomizationManager::productNameLocalized);
 }
 
 QString organizationId()
 {
-    const auto manager = customization();
-    return manager ? utf8(manager->organizationId()) : QString();
+    return customizationText(&Tavrin::App::ICustomizationManager::organizationId);
 }
 
 QString organizationDomainName()
 {
-    const auto manager = customization();
-    return manager ? utf8(manager->organizationDomainName()) : QString();
+    return customizationText(&Tavrin::App::ICustomizationManager::organizationDomainName);
 }
 
 QString organizationPresentableName()
 {
-    const auto manager = customization();
-    return manager ? utf8(manager->organizationPresentableName()) : QString();
+    return customizationText(&Tavrin::App::ICustomizationManager::organizationPresentableName);
 }
 
 QString productFullName()
