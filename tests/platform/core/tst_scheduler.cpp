@@ -5,7 +5,6 @@
 #include "TestSandbox.h"
 
 using Tavrin::Util::Scheduler;
-using Tavrin::Util::SchedulerBase;
 
 namespace {
 
@@ -38,108 +37,48 @@ class TestScheduler : public QObject
     Q_OBJECT
 
 private slots:
-    void coalescesRequestsOfOneTurn_data();
-    void coalescesRequestsOfOneTurn();
-    void runsOnALaterTurnNotInsideSchedule();
-    void requestFromTheFunctionRunsAgainLater();
-    void disablingDropsAPendingRequest();
-    void disabledSchedulerIgnoresRequests();
-};
-
-void TestScheduler::coalescesRequestsOfOneTurn_data()
-{
-    QTest::addColumn<int>("requests");
-    QTest::newRow("one") << 1;
-    QTest::newRow("two") << 2;
-    QTest::newRow("many") << 100;
-}
-
-void TestScheduler::coalescesRequestsOfOneTurn()
-{
-    QFETCH(int, requests);
-    Counter counter;
-    Scheduler<Counter> scheduler(&counter, &Counter::run);
-    QCOMPARE(scheduler.state(), 2);
-    for (int i = 0; i < requests; ++i) {
-        scheduler.schedule();
-        QCOMPARE(scheduler.state(), 6);
+    void coalescesRequestsOfOneTurn_data()
+    {
+        QTest::addColumn<int>("requests");
+        QTest::addColumn<bool>("againFromInside");
+        QTest::addColumn<bool>("disable");
+        QTest::addColumn<int>("calls");
+        QTest::newRow("one") << 1 << false << false << 1;
+        QTest::newRow("many") << 100 << false << false << 1;
+        // Pending is cleared before the function runs: a request from inside it is a new one.
+        QTest::newRow("again from inside") << 3 << true << false << 2;
+        // Neither the pending request nor one made while disabled is remembered.
+        QTest::newRow("disabled for a turn") << 3 << false << true << 0;
     }
-    QCOMPARE(counter.calls, 0);
-    QVERIFY(QTest::qWaitFor([&] { return counter.calls > 0; }));
-    settle();
-    QCOMPARE(counter.calls, 1);
-    QCOMPARE(scheduler.state(), 2);
-}
 
-void TestScheduler::runsOnALaterTurnNotInsideSchedule()
-{
-    Counter counter;
-    Scheduler<Counter> scheduler(&counter, &Counter::run);
-    scheduler.schedule();
-    // Nothing runs inside schedule(): the call waits for the event loop.
-    QCOMPARE(counter.calls, 0);
-    QVERIFY(scheduler.isPending());
-    settle();
-    QCOMPARE(counter.calls, 1);
-    QVERIFY(!scheduler.isPending());
-
-    // Once idle again, a new request is a new call.
-    scheduler.schedule();
-    settle();
-    QCOMPARE(counter.calls, 2);
-}
-
-void TestScheduler::requestFromTheFunctionRunsAgainLater()
-{
-    Counter counter;
-    Scheduler<Counter> scheduler(&counter, &Counter::run);
-    // Pending is cleared before the function runs, so a request made from inside it is a
-    // new request, not a lost one.
-    counter.onRun = [&] {
-        QCOMPARE(scheduler.state(), 2);
-        if (counter.calls == 1)
+    void coalescesRequestsOfOneTurn()
+    {
+        QFETCH(int, requests);
+        QFETCH(bool, againFromInside);
+        QFETCH(bool, disable);
+        QFETCH(int, calls);
+        Counter counter;
+        Scheduler<Counter> scheduler(&counter, &Counter::run);
+        counter.onRun = [&] {
+            if (againFromInside && counter.calls == 1)
+                scheduler.schedule();
+        };
+        for (int i = 0; i < requests; ++i)
             scheduler.schedule();
-    };
-    scheduler.schedule();
-    QVERIFY(QTest::qWaitFor([&] { return counter.calls == 2; }));
-    settle();
-    QCOMPARE(counter.calls, 2);
-}
-
-void TestScheduler::disablingDropsAPendingRequest()
-{
-    Counter counter;
-    Scheduler<Counter> scheduler(&counter, &Counter::run);
-    scheduler.schedule();
-    QCOMPARE(scheduler.state(), 6);
-    scheduler.setEnabled(false);
-    QCOMPARE(scheduler.state(), 4);
-    settle();
-    QCOMPARE(counter.calls, 0);
-    QCOMPARE(scheduler.state(), 0);
-
-    // Enabled again, it works as new.
-    scheduler.setEnabled(true);
-    QCOMPARE(scheduler.state(), 2);
-    scheduler.schedule();
-    settle();
-    QCOMPARE(counter.calls, 1);
-}
-
-void TestScheduler::disabledSchedulerIgnoresRequests()
-{
-    Counter counter;
-    Scheduler<Counter> scheduler(&counter, &Counter::run);
-    scheduler.setEnabled(false);
-    scheduler.schedule();
-    QCOMPARE(scheduler.state(), 0);
-    settle();
-    QCOMPARE(counter.calls, 0);
-    // A request made while disabled is not remembered for later.
-    scheduler.setEnabled(true);
-    settle();
-    QCOMPARE(counter.calls, 0);
-}
+        if (disable) {
+            scheduler.setEnabled(false);
+            scheduler.schedule();
+            settle();
+            scheduler.setEnabled(true);
+        }
+        QCOMPARE(counter.calls, 0);
+        QCOMPARE(scheduler.isPending(), !disable);
+        QVERIFY(QTest::qWaitFor([&] { return counter.calls == calls; }));
+        settle();
+        QCOMPARE(counter.calls, calls);
+        QVERIFY(!scheduler.isPending());
+    }
+};
 
 QTEST_GUILESS_MAIN(TestScheduler)
 #include "tst_scheduler.moc"

@@ -1,5 +1,4 @@
-// Web addresses opened through the platform application while it runs, through the
-// desktop opener otherwise, and never anything that is not a web address.
+// Web addresses go to the platform application if it runs, else to the desktop opener.
 
 #include "FakeCustomization.h"
 #include "IpcTestSupport.h"
@@ -14,9 +13,8 @@ using namespace Tavrin;
 
 namespace {
 
-class RecordingOpener : public App::ILinksOpener
+struct RecordingOpener : App::ILinksOpener
 {
-public:
     bool openUrl(const QString& url) override
     {
         opened << url;
@@ -25,9 +23,8 @@ public:
     QStringList opened;
 };
 
-class TaggingGenerator : public App::ILinksGenerator
+struct TaggingGenerator : App::ILinksGenerator
 {
-public:
     QString url(URLKeys) const override { return QString(); }
     QString generateUrl(const QString& base, const App::UrlParameters&) const override
     {
@@ -43,7 +40,6 @@ class tst_IPCLinksDecorator : public QObject
 private slots:
     void init()
     {
-        m_env = std::make_unique<KvTest::IpcEnvironment>();
         FakeCustomization::install();
         m_protocol = std::make_shared<App::IPCPlatformProtocol>(
             std::make_shared<FakeCustomization>(), "Klipvane", UniqueIPC::ApiVersion{1, 0, 0, 0, std::string()},
@@ -56,38 +52,33 @@ private slots:
     {
         m_links.reset();
         m_protocol.reset();
-        m_env.reset();
     }
 
-    void refusesWhatIsNotAWebAddress_data()
+    void fallbackOrRefusal_data()
     {
         QTest::addColumn<QString>("url");
-        QTest::newRow("empty") << QString();
-        QTest::newRow("local file") << QStringLiteral("file:///etc/passwd");
-        QTest::newRow("script") << QStringLiteral("javascript:alert(1)");
-        QTest::newRow("no scheme") << QStringLiteral("www.klipvane.example");
-        QTest::newRow("malformed") << QStringLiteral("http://exa mple.com/%zz");
+        QTest::addColumn<int>("protocol"); // 0 not started, 1 started with nobody there, 2 gone
+        QTest::addColumn<bool>("opened");
+        const QString web = QStringLiteral("https://help.klipvane.example/");
+        QTest::newRow("web, not started") << web << 0 << true;
+        QTest::newRow("web, nobody to hand it to") << web << 1 << true;
+        QTest::newRow("web, protocol gone") << web << 2 << true;
+        QTest::newRow("local file") << QStringLiteral("file:///etc/passwd") << 1 << false;
+        QTest::newRow("script") << QStringLiteral("javascript:alert(1)") << 1 << false;
+        QTest::newRow("malformed") << QStringLiteral("http://exa mple.com/%zz") << 2 << false;
     }
 
-    void refusesWhatIsNotAWebAddress()
+    void fallbackOrRefusal()
     {
         QFETCH(QString, url);
-        QVERIFY(!m_links->openUrl(url));
-        QVERIFY(m_opener->opened.isEmpty());
-    }
-
-    void desktopOpenerWithoutThePlatformApplication()
-    {
-        const QString url = QStringLiteral("https://help.klipvane.example/");
-        QVERIFY(m_links->openUrl(url)); // communication not started yet
-        m_protocol->StartCommunication();
-        QVERIFY(m_links->openUrl(url)); // started, but nobody to hand it to
-        QCOMPARE(m_opener->opened, (QStringList{url, url}));
-
-        // Once the protocol is gone, only the desktop opener is left.
-        m_protocol.reset();
-        QVERIFY(m_links->openUrl(url));
-        QCOMPARE(m_opener->opened.size(), 3);
+        QFETCH(int, protocol);
+        QFETCH(bool, opened);
+        if (protocol >= 1)
+            m_protocol->StartCommunication();
+        if (protocol == 2)
+            m_protocol.reset();
+        QCOMPARE(m_links->openUrl(url), opened);
+        QCOMPARE(m_opener->opened, opened ? QStringList{url} : QStringList());
     }
 
     void platformApplicationOpensItWithTheProductParameters()
@@ -103,7 +94,7 @@ private slots:
     }
 
 private:
-    std::unique_ptr<KvTest::IpcEnvironment> m_env;
+    KvTest::IpcEnvironment m_env;
     std::shared_ptr<App::IPCPlatformProtocol> m_protocol;
     std::shared_ptr<RecordingOpener> m_opener;
     std::unique_ptr<App::IPCLinksDecorator> m_links;

@@ -1,9 +1,5 @@
-// Test helper: takes a single-instance key and reports what it found.
-//
-//   lockholder <key> [wait-ms]
-//
-// Prints "state: holder" or "state: another". With wait-ms, a process that found another
-// holder waits that long and prints "waited: true|false". A holder then stays until killed.
+// Test helper: `lockholder <key>` takes a single-instance key and prints "state: holder" or
+// "state: another". A holder then stays until it is killed.
 
 #include <App/SingleInstance.h>
 
@@ -17,14 +13,8 @@ int main(int argc, char** argv)
     if (argc < 2)
         return 2;
     Tavrin::App::SingleInstance instance(QString::fromLocal8Bit(argv[1]));
-    std::printf("state: %s\n", instance.isAnotherInstanceRunning() ? "another" : "holder");
+    const bool another = instance.isAnotherInstanceRunning();
+    std::printf("state: %s\n", another ? "another" : "holder");
     std::fflush(stdout);
-    if (instance.isAnotherInstanceRunning() && argc > 2) {
-        const bool taken = instance.waitForOtherInstance(QByteArray(argv[2]).toLongLong());
-        std::printf("waited: %s\n", taken ? "true" : "false");
-        std::fflush(stdout);
-    }
-    if (instance.isAnotherInstanceRunning())
-        return 0;
-    return application.exec();
+    return another ? 0 : application.exec();
 }
