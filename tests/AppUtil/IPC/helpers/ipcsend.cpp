@@ -1,10 +1,6 @@
-// Test helper: hands one call to a running application, the way a second launch does.
-//
-//   ipcsend <target app id> <function> [argument...]
-//
-// Arguments are sent as "QString", or as "enum64_t" when written "enum:<text>". Prints the
-// outcome and exits 0 when the call was handled, 1 when not, 2 without a recipient, 3
-// without an answer.
+// Test helper: `ipcsend <target app id> <function> [argument...]` hands one call to a running
+// application, the way a second launch does. Arguments are sent as "QString", or as
+// "enum64_t" when written "enum:<text>". The exit code is the DeliveryResult (0 handled).
 
 #include <App/Delivery.h>
 
@@ -30,15 +26,5 @@ int main(int argc, char** argv)
     }
     const auto result = Tavrin::App::SendCallAndWait(call, 5000);
     std::printf("ipcsend: %s\n", Tavrin::App::describe(result));
-    switch (result) {
-    case Tavrin::App::DeliveryResult::Delivered:
-        return 0;
-    case Tavrin::App::DeliveryResult::NotHandled:
-        return 1;
-    case Tavrin::App::DeliveryResult::NoRecipient:
-        return 2;
-    case Tavrin::App::DeliveryResult::NoAnswer:
-        return 3;
-    }
-    return 4;
+    return int(result);
 }
