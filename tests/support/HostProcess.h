@@ -16,22 +16,19 @@ namespace KvTest {
 // An executable built with the tests (the host, tools, helpers).
 inline QString builtProgram(const QString& name)
 {
-    QString folder = qEnvironmentVariable("KLIPVANE_TEST_BIN_DIR");
-    if (folder.isEmpty())
-        folder = QCoreApplication::applicationDirPath();
-    return folder + QLatin1Char('/') + name;
+    const QString folder = qEnvironmentVariable("KLIPVANE_TEST_BIN_DIR");
+    return (folder.isEmpty() ? QCoreApplication::applicationDirPath() : folder) + QLatin1Char('/') + name;
 }
 
-// The environment of a host launch whose settings, logs, runtime folder and IPC sockets all
-// live in `home`, offscreen: a launch never meets the user's editor or another test's.
+// The environment of an offscreen host launch whose settings, logs, runtime folder and IPC
+// sockets all live in `home`: a launch never meets the user's editor or another test's.
 inline QProcessEnvironment hostEnvironment(const QTemporaryDir& home)
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
-    const std::pair<const char*, const char*> folders[] = {{"config", "KLIPVANE_CONFIG_DIR"},
-                                                           {"log", "KLIPVANE_LOG_DIR"},
-                                                           {"runtime", "XDG_RUNTIME_DIR"},
-                                                           {"ipc", "KLIPVANE_IPC_DIR"}};
+    const std::pair<const char*, const char*> folders[] = {
+        {"config", "KLIPVANE_CONFIG_DIR"}, {"log", "KLIPVANE_LOG_DIR"},
+        {"runtime", "XDG_RUNTIME_DIR"}, {"ipc", "KLIPVANE_IPC_DIR"}};
     for (const auto& [sub, variable] : folders) {
         const QString folder = home.filePath(QString::fromLatin1(sub));
         QDir().mkpath(folder);
@@ -46,7 +43,7 @@ inline QProcessEnvironment hostEnvironment(const QTemporaryDir& home)
 // ("command: " gives "AddFiles /a.mp4", "ShowMainWindow", ...).
 inline QStringList logged(const QByteArray& log, const QString& prefix)
 {
-    const QRegularExpression line(QStringLiteral("\\] ") + QRegularExpression::escape(prefix) + QStringLiteral("(.*)$"));
+    const QRegularExpression line(QLatin1String("\\] ") + QRegularExpression::escape(prefix) + QLatin1String("(.*)$"));
     QStringList found;
     for (const QByteArray& raw : log.split('\n')) {
         const auto match = line.match(QString::fromUtf8(raw.trimmed()));

@@ -5,6 +5,7 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -23,27 +24,24 @@ class IpcEnvironment
 public:
     IpcEnvironment()
     {
-        QDir root(m_root.path());
-        for (const char* sub : {"ipc", "log", "config", "run"})
-            root.mkpath(QLatin1String(sub));
+        const std::pair<const char*, const char*> folders[] = {
+            {"ipc", "KLIPVANE_IPC_DIR"}, {"log", "KLIPVANE_LOG_DIR"},
+            {"config", "KLIPVANE_CONFIG_DIR"}, {"run", "XDG_RUNTIME_DIR"}};
+        for (const auto& [sub, variable] : folders) {
+            QDir(m_root.path()).mkpath(QLatin1String(sub));
+            qputenv(variable, QFile::encodeName(path(QLatin1String(sub))));
+        }
         QFile::setPermissions(ipcDir(), QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
-        qputenv("KLIPVANE_IPC_DIR", QFile::encodeName(ipcDir()));
-        qputenv("KLIPVANE_LOG_DIR", QFile::encodeName(root.filePath(QStringLiteral("log"))));
-        qputenv("KLIPVANE_CONFIG_DIR", QFile::encodeName(root.filePath(QStringLiteral("config"))));
-        qputenv("XDG_RUNTIME_DIR", QFile::encodeName(root.filePath(QStringLiteral("run"))));
         qunsetenv("KLIPVANE_IPC_PARENT");
     }
-    QString ipcDir() const { return m_root.path() + QStringLiteral("/ipc"); }
+    QString ipcDir() const { return path(QStringLiteral("ipc")); }
     QString path(const QString& name) const { return m_root.path() + QLatin1Char('/') + name; }
 
     // Socket files currently in the IPC folder.
     QStringList sockets() const
     {
-        QStringList out;
-        for (const QString& e : QDir(ipcDir()).entryList(QDir::System | QDir::NoDotAndDotDot))
-            if (e.count(QLatin1Char('+')) == 3)
-                out << e;
-        return out;
+        const QRegularExpression threeParts(QStringLiteral("^([^+]*\\+){3}[^+]*$"));
+        return QDir(ipcDir()).entryList(QDir::System | QDir::NoDotAndDotDot).filter(threeParts);
     }
 
 private:
@@ -67,20 +65,12 @@ public:
     }
     ~Child() { stop(); }
 
-    void start(const QString& program, const QStringList& arguments)
-    {
-        m_process.start(program, arguments);
-    }
+    void start(const QString& program, const QStringList& arguments) { m_process.start(program, arguments); }
     bool waitForOutput(const QString& text, int timeoutMs = 10000)
     {
-        const QByteArray needle = text.toUtf8();
-        return QTest::qWaitFor([&] { return output().contains(needle); }, timeoutMs);
+        return QTest::qWaitFor([&] { return output().contains(text.toUtf8()); }, timeoutMs);
     }
-    QByteArray output()
-    {
-        m_output += m_process.readAll();
-        return m_output;
-    }
+    QByteArray output() { return m_output += m_process.readAll(); }
     qint64 pid() const { return m_process.processId(); }
     QProcess& process() { return m_process; }
     bool waitForExit(int timeoutMs = 10000)
@@ -92,7 +82,7 @@ public:
     {
         if (m_process.state() == QProcess::NotRunning)
             return;
-        ::kill(pid_t(m_process.processId()), SIGCONT);  // in case a test stopped it
+        ::kill(pid_t(m_process.processId()), SIGCONT); // in case a test stopped it
         m_process.terminate();
         if (!m_process.waitForFinished(3000)) {
             m_process.kill();
@@ -115,20 +105,14 @@ public:
               size_t size) override
     {
         std::lock_guard<std::mutex> lock(m_mutex);
-        m_lines.append(QStringLiteral("%1 %2").arg(QLatin1Char("IWEF"[severity])).arg(QString::fromUtf8(message, int(size))));
+        m_lines << QString::fromLatin1("IWEF" + severity, 1) + QLatin1Char(' ') + QString::fromUtf8(message, int(size));
     }
     QStringList lines() const
     {
         std::lock_guard<std::mutex> lock(m_mutex);
         return m_lines;
     }
-    bool contains(const QString& text) const
-    {
-        for (const QString& line : lines())
-            if (line.contains(text))
-                return true;
-        return false;
-    }
+    bool contains(const QString& text) const { return !lines().filter(text).isEmpty(); }
     bool waitFor(const QString& text, int timeoutMs = 5000) const
     {
         return QTest::qWaitFor([&] { return contains(text); }, timeoutMs);

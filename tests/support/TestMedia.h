@@ -1,43 +1,29 @@
 #pragma once
 
-// Small media files made at test time by tests/support/make_test_media.sh (nothing binary
-// is kept in the repository). The files are made once per test executable, in a folder
-// that lives until the executable ends.
-//
-//   const QString h264 = TestMedia::path("h264_tiny.mp4");
-//   if (h264.isEmpty()) QSKIP("ffmpeg is not installed");
+// Small media files made by tests/support/make_test_media.sh once per test executable, in a
+// folder that lives until it ends. TestMedia::path("h264_tiny.mp4") is empty without ffmpeg.
 
-#include <QDir>
 #include <QProcess>
 #include <QStandardPaths>
-#include <QString>
 #include <QTemporaryDir>
 
-#include <memory>
-
 namespace TestMedia {
-
-inline QString script()
-{
-    return qEnvironmentVariable("KLIPVANE_SOURCE_DIR") + QStringLiteral("/tests/support/make_test_media.sh");
-}
 
 // The folder of the generated files; empty when they could not be made.
 inline QString folder()
 {
-    static std::unique_ptr<QTemporaryDir> dir;
-    static bool made = false;
-    if (!dir) {
-        dir = std::make_unique<QTemporaryDir>();
-        if (!QStandardPaths::findExecutable(QStringLiteral("ffmpeg")).isEmpty()) {
-            QProcess generator;
-            generator.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-            generator.start(QStringLiteral("/bin/sh"), {script(), dir->path()});
-            made = generator.waitForFinished(120000) && generator.exitStatus() == QProcess::NormalExit
-                && generator.exitCode() == 0;
-        }
-    }
-    return made ? dir->path() : QString();
+    static QTemporaryDir dir;
+    static const bool made = [] {
+        if (QStandardPaths::findExecutable(QStringLiteral("ffmpeg")).isEmpty())
+            return false;
+        QProcess generator;
+        generator.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        const QString script = qEnvironmentVariable("KLIPVANE_SOURCE_DIR") + "/tests/support/make_test_media.sh";
+        generator.start(QStringLiteral("/bin/sh"), {script, dir.path()});
+        return generator.waitForFinished(120000) && generator.exitStatus() == QProcess::NormalExit
+            && generator.exitCode() == 0;
+    }();
+    return made ? dir.path() : QString();
 }
 
 inline QString path(const char* name)

@@ -1,15 +1,12 @@
 #pragma once
 
-#include <QByteArray>
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
-#include <QtGlobal>
 
-// Points every per-user folder of a test process (configuration, logs, runtime and IPC
-// sockets) at a throw-away folder before main() runs, so that a test never reads or
-// writes the user's own files and tests can run in parallel. Include it in the test's
-// .cpp; children started by the test inherit the same environment.
+// Included in a test's .cpp, points every per-user folder of the process (configuration,
+// logs, runtime, IPC sockets) at a throw-away folder before main() runs: a test never touches
+// the user's files, tests run in parallel, and children started by a test inherit it.
 namespace KvTest {
 
 inline QTemporaryDir& sandbox()
@@ -20,17 +17,16 @@ inline QTemporaryDir& sandbox()
 
 inline void enterSandbox()
 {
-    const QByteArray root = QFile::encodeName(sandbox().path());
-    for (const char* sub : {"config", "log", "runtime", "ipc"}) {
-        const QString folder = sandbox().path() + QLatin1Char('/') + QString::fromLatin1(sub);
+    const std::pair<const char*, const char*> folders[] = {
+        {"config", "KLIPVANE_CONFIG_DIR"}, {"log", "KLIPVANE_LOG_DIR"},
+        {"runtime", "XDG_RUNTIME_DIR"}, {"ipc", "KLIPVANE_IPC_DIR"}};
+    for (const auto& [sub, variable] : folders) {
+        const QString folder = sandbox().filePath(QLatin1String(sub));
         QDir().mkpath(folder);
         // Sockets and the runtime folder must be private, as the session's own are.
         QFile::setPermissions(folder, QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
+        qputenv(variable, QFile::encodeName(folder));
     }
-    qputenv("KLIPVANE_CONFIG_DIR", root + "/config");
-    qputenv("KLIPVANE_LOG_DIR", root + "/log");
-    qputenv("XDG_RUNTIME_DIR", root + "/runtime");
-    qputenv("KLIPVANE_IPC_DIR", root + "/ipc");
 }
 
 Q_CONSTRUCTOR_FUNCTION(enterSandbox)

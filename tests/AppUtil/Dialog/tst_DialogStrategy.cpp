@@ -1,93 +1,138 @@
-// The default dialog strategy, driven through the Dialog:: functions with its real
-// dialogs: a timer clicks their buttons and ticks their check boxes.
+// The Dialog:: functions: the default strategy's real dialogs answered by a timer clicking
+// their buttons, forwarding to an installed strategy, its lifecycle, and the translation
+// contexts of the texts.
 #include "TestSandbox.h"
 #include "ModalAnswer.h"
+#include "ScriptedDialogStrategy.h"
 
+#include <Customization.h>
 #include <Dialog/DialogStrategy.h>
 #include <Dialog/NoticeDialogs.h>
 
 #include <App/ProductServices.h>
 #include <ExternalResourceInfo.h>
-#include <Gui/FileInfoDialog.h>
 #include <Media/File.h>
 #include <Settings/Settings.h>
 #include <Timeline/PasteFXResult.h>
-#include <Util/AlertBox.h>
+#include <Util/GeneralButtonsTr.h>
 #include <Util/SpontaneousDialog.h>
 
 #include <QCheckBox>
 #include <QLabel>
-#include <QListWidget>
 #include <QMainWindow>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTemporaryDir>
+#include <QTranslator>
 #include <QtTest>
 
-Q_DECLARE_METATYPE(Dialog::MissingFileAction)
-
 namespace {
-QMessageBox* asBox(QWidget* modal)
+// Asks `question` through the default strategy; the answer as an int. alertModifiedProject
+// gives bit 0 for "go on" and bit 1 for "save", starting from the opposite of the expected save.
+int ask(const QString& question, int expected)
 {
-    auto* box = qobject_cast<QMessageBox*>(modal);
-    if (!box)
-        qWarning("The modal widget is a %s, not a message box", modal->metaObject()->className());
-    return box;
+    const QString path = QStringLiteral("/v/out.mp4");
+    Media::File file(QStringLiteral("/v/a.mp4"));
+    if (question == QLatin1String("modified")) {
+        bool save = !(expected & 2);
+        const bool goOn = Dialog::alertModifiedProject(save);
+        return int(goOn) | int(save) << 1;
+    }
+    if (question == QLatin1String("overwrite"))
+        return Dialog::alertOverwrite(path);
+    if (question == QLatin1String("overwrite folder"))
+        return Dialog::alertOverwriteFolder(path);
+    if (question == QLatin1String("restore"))
+        return Dialog::alertRestoreSession();
+    if (question == QLatin1String("aspect"))
+        return Dialog::alertAdjustProjectAspect();
+    if (question == QLatin1String("action"))
+        return Dialog::alertAction("T", "<b>X</b>", "Export", "Later", "Remember");
+    if (question == QLatin1String("action, empty texts"))
+        return Dialog::alertAction("T", "X", QString(), QString(), QString());
+    if (question == QLatin1String("action, no check box"))
+        return Dialog::alertAction("T", "X", "Restart", QString());
+    if (question.startsWith(QLatin1String("info")))
+        return Dialog::showInfo("T", "X", "Fine", question == QLatin1String("info") ? "Don't show again" : "");
+    if (question == QLatin1String("missing"))
+        return int(Dialog::alertMissingFile("clip.mp4", "/media/old"));
+    if (question.startsWith(QLatin1String("failed")))
+        return Dialog::showHasFailedFiles(question == QLatin1String("failed"), QString());
+    if (question == QLatin1String("H.265"))
+        return Dialog::showHasH265FailedFiles({&file});
+    if (question == QLatin1String("warning"))
+        Dialog::showWarning("Careful", "Something");
+    else if (question == QLatin1String("critical"))
+        Dialog::showCriticalError(*qApp);
+    else if (question == QLatin1String("file info"))
+        Dialog::showFileInfo(&file);
+    else if (question == QLatin1String("license"))
+        Dialog::showResourceLicense(ExternalResourceInfo{});
+    else if (question == QLatin1String("paste"))
+        Dialog::showCantPasteEffects(Timeline::PasteFXResult{2, {{"Chroma key", QString()}}});
+    return 0;
 }
 
-// Records what a box showed before answering it.
-struct Seen
+// Marks every text of one context, and only those.
+class ContextTranslator : public QTranslator
 {
-    QString title;
-    QString text;
-    QStringList buttons;
-    Qt::WindowFlags flags;
-    QWidget* parent = nullptr;
-    bool hasCheckBox = false;
-    Qt::TextFormat format = Qt::AutoText;
-    int level = -1;
+public:
+    explicit ContextTranslator(const QByteArray& context) : m_context(context) {}
+    bool isEmpty() const override { return false; }
+    QString translate(const char* context, const char* source, const char*, int) const override
+    {
+        return m_context == context ? QLatin1Char('[') + QString::fromUtf8(source) + QLatin1Char(']') : QString();
+    }
+
+private:
+    QByteArray m_context;
 };
 
-Seen look(QMessageBox* box)
+// The title of the save question, which the strategy translates in "DialogStrategy".
+QString saveQuestionTitle()
 {
-    Seen seen;
-    seen.title = box->windowTitle();
-    seen.text = box->text();
-    for (QAbstractButton* button : box->buttons())
-        seen.buttons << button->text().remove(QLatin1Char('&'));
-    seen.flags = box->windowFlags();
-    seen.parent = box->parentWidget();
-    seen.hasCheckBox = box->checkBox() != nullptr;
-    seen.format = box->textFormat();
-    if (auto* alert = qobject_cast<Tavrin::Util::AlertBox*>(box))
-        seen.level = alert->alertLevel();
-    return seen;
+    QString title;
+    answerModal([&](QWidget* modal) {
+        title = modal->windowTitle();
+        clickButton(modal, QStringLiteral("Cancel"));
+    });
+    bool save = false;
+    Dialog::alertModifiedProject(save);
+    return title;
 }
+
+// Counts its own destruction so a test sees exactly when a strategy is released.
+class CountedStrategy : public ScriptedDialogStrategy
+{
+public:
+    explicit CountedStrategy(int* destroyed) : m_destroyed(destroyed) {}
+    ~CountedStrategy() override { ++*m_destroyed; }
+
+private:
+    int* m_destroyed;
+};
 } // namespace
 
 class tst_DialogStrategy : public QObject
 {
     Q_OBJECT
 
-private:
     QTemporaryDir m_config;
     QMainWindow* m_window = nullptr;
 
 private slots:
     void initTestCase()
     {
-        QVERIFY(m_config.isValid());
         Settings::setFileName(m_config.filePath(QStringLiteral("klipvane.ini")));
         Tavrin::App::ProductServicesOptions options;
         options.locale = QStringLiteral("en_US");
-        QVERIFY(Tavrin::App::registerProductServices(
-            QString::fromLocal8Bit(qgetenv("KLIPVANE_SOURCE_DIR")) + QStringLiteral("/app/product.json"), options));
+        QVERIFY(Tavrin::App::registerProductServices(qEnvironmentVariable("KLIPVANE_SOURCE_DIR") + "/app/product.json",
+                                                     options));
     }
 
     void init()
     {
         m_window = new QMainWindow;
-        m_window->setObjectName(QStringLiteral("mainWindow"));
         Tavrin::Util::SpontaneousDialog::setMainWindow(m_window);
     }
 
@@ -96,511 +141,217 @@ private slots:
         Dialog::initialize({});
         Tavrin::Util::SpontaneousDialog::setMainWindow(nullptr);
         delete m_window;
-        m_window = nullptr;
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        const auto leaked = QApplication::topLevelWidgets();
-        for (QWidget* widget : leaked)
-            qWarning("Leaked top-level widget %s (%s)", widget->metaObject()->className(), qPrintable(widget->objectName()));
-        QVERIFY(leaked.isEmpty());
+        QVERIFY(QApplication::topLevelWidgets().isEmpty());
     }
 
     void cleanupTestCase() { Tavrin::App::unregisterProductServices(); }
 
-    void modifiedProject_data()
+    // The first row is also the first use, which installs the default strategy; every later
+    // row runs after initialize({}).
+    void answers_data()
     {
-        QTest::addColumn<QString>("press"); // a button text, or "Escape"
-        QTest::addColumn<bool>("result");
-        QTest::addColumn<bool>("save");
-        QTest::newRow("save") << QStringLiteral("Save") << true << true;
-        QTest::newRow("don't save") << QStringLiteral("Don't save") << true << false;
-        QTest::newRow("cancel") << QStringLiteral("Cancel") << false << false;
-        QTest::newRow("escape") << QStringLiteral("Escape") << false << false;
+        QTest::addColumn<QString>("question");
+        QTest::addColumn<QString>("press"); // "+"-separated: a button text, "tick", "Escape", "Return" or "close"
+        QTest::addColumn<int>("result");
+        QTest::addColumn<bool>("checkBox");
+        QTest::addColumn<QString>("shows"); // part of the title or text
+        const auto row = [](const char* question, const char* press, int result, bool checkBox = false,
+                            const char* shows = "") {
+            QTest::addRow("%s: %s", question, press) << question << press << result << checkBox << shows;
+        };
+        row("modified", "Save", 3, false, "Warning! Current project is not saved. Save project before operation?");
+        row("modified", "Don't save", 1);
+        row("modified", "Cancel", 0);
+        row("modified", "Escape", 0);
+        row("overwrite", "Yes", 1, false, "File \"/v/out.mp4\" already exists. Overwrite it?");
+        row("overwrite", "No", 0);
+        row("overwrite folder", "Yes", 1, false, "Folder \"/v/out.mp4\" already exists. Overwrite it?");
+        row("overwrite folder", "Escape", 0);
+        row("restore", "Return", 1); // Yes is the default
+        row("restore", "No", 0);
+        row("aspect", "Change", 1, false, "Adding files");
+        row("aspect", "Don't Change", 0);
+        row("action", "Export", 0x400, true);
+        row("action", "tick+Export", 0x401, true);
+        row("action", "Later", 0x400000, true);
+        row("action", "tick+Later", 0x400001, true);
+        row("action, empty texts", "tick+OK", 0x401, true); // the check box is there all the same
+        row("action, no check box", "Restart", 1);
+        row("action, no check box", "Cancel", 0);
+        row("action, no check box", "Escape", 0);
+        row("info", "Fine", 0x400, true);
+        row("info", "tick+Fine", 0x401, true);
+        row("info, no check box", "Fine", 0x400);
+        // A choice is required: neither Escape nor closing the window ends the box.
+        row("missing", "Escape+close+Abort", int(Dialog::MissingFileAction::Abort), false,
+            "Could not find the file clip.mp4 at the specified location: /media/old.");
+        row("missing", "Escape+close+Skip", int(Dialog::MissingFileAction::Skip));
+        row("missing", "Escape+close+Browse", int(Dialog::MissingFileAction::Browse));
+        row("failed", "Remove", 1, false, "Remove unopened files from the project or keep them?");
+        row("failed", "Keep", 0);
+        row("failed", "Escape", 0);
+        row("failed, no removal", "OK", 0, false, "Some of the files can't be opened.");
+        row("H.265", "Got It", 1);
+        row("H.265", "Escape", 0);
+        row("warning", "OK", 0, false, "Careful");
+        row("critical", "OK", 0, false, "Unknown problem has been detected.");
+        row("file info", "OK", 0);
+        row("license", "Got It", 0);
+        row("paste", "OK", 0);
     }
 
-    void modifiedProject()
+    void answers()
     {
+        QFETCH(QString, question);
         QFETCH(QString, press);
-        QFETCH(bool, result);
-        QFETCH(bool, save);
-        Seen seen;
+        QFETCH(int, result);
+        QFETCH(bool, checkBox);
+        QFETCH(QString, shows);
+        bool answered = false, hadCheckBox = false, closeButton = true, stayedOpen = true;
+        QString shown;
+        QWidget* parent = nullptr;
         answerModal([&](QWidget* modal) {
-            seen = look(asBox(modal));
-            if (press == QLatin1String("Escape"))
-                QTest::keyClick(modal, Qt::Key_Escape);
-            else
-                clickButton(modal, press);
+            auto* box = qobject_cast<QMessageBox*>(modal);
+            answered = true;
+            hadCheckBox = box && box->checkBox();
+            closeButton = modal->windowFlags() & Qt::WindowCloseButtonHint;
+            shown = modal->windowTitle() + QLatin1Char('\n') + (box ? box->text() : QString());
+            parent = modal->parentWidget();
+            const QStringList steps = press.split(QLatin1Char('+'));
+            for (const QString& step : steps) {
+                if (step == QLatin1String("tick") && hadCheckBox)
+                    box->checkBox()->click();
+                else if (step == QLatin1String("Escape") || step == QLatin1String("Return"))
+                    QTest::keyClick(modal, step == QLatin1String("Escape") ? Qt::Key_Escape : Qt::Key_Return);
+                else if (step == QLatin1String("close"))
+                    modal->close();
+                else
+                    answered = clickButton(modal, step) && answered;
+                if (&step != &steps.back())
+                    stayedOpen = stayedOpen && modal->isVisible();
+            }
         });
-        bool saved = !save; // the strategy must overwrite it
-        QCOMPARE(Dialog::alertModifiedProject(saved), result);
-        QCOMPARE(saved, save);
-        QCOMPARE(seen.title, QStringLiteral("Save project"));
-        QCOMPARE(seen.text, QStringLiteral("Warning! Current project is not saved. Save project before operation?"));
-        QCOMPARE(seen.level, 2);
-        QVERIFY(seen.buttons.contains(QStringLiteral("Don't save")));
-        QCOMPARE(seen.buttons.size(), 3);
-        QCOMPARE(seen.parent, m_window);
+        QCOMPARE(ask(question, result), result);
+        QVERIFY(answered);
+        QVERIFY(stayedOpen);
+        QCOMPARE(hadCheckBox, checkBox);
+        QVERIFY2(shown.contains(shows), qPrintable(shown));
+        // The critical error must show even when the main window is what broke.
+        QCOMPARE(parent == m_window, question != QLatin1String("critical"));
+        if (question == QLatin1String("missing") || question == QLatin1String("failed"))
+            QVERIFY(!closeButton);
     }
 
-    void overwrite_data()
+    void forwarding()
     {
-        QTest::addColumn<bool>("folder");
-        QTest::addColumn<QString>("press");
-        QTest::addColumn<bool>("result");
-        QTest::newRow("file yes") << false << QStringLiteral("&Yes") << true;
-        QTest::newRow("file no") << false << QStringLiteral("&No") << false;
-        QTest::newRow("folder yes") << true << QStringLiteral("&Yes") << true;
-        QTest::newRow("folder escape") << true << QStringLiteral("Escape") << false;
+        // A strategy that also runs the soft validator it is handed.
+        struct Probe : ScriptedDialogStrategy
+        {
+            bool softAccepts = false;
+            QString showValidationInputDialog(QString const& title, QString const& label, QString const& text,
+                                              std::function<bool(QString const&, QString&)> const& hard,
+                                              std::function<bool(QString const&, QString&)> const& soft) override
+            {
+                QString error;
+                softAccepts = soft(text, error) && error.isEmpty();
+                return ScriptedDialogStrategy::showValidationInputDialog(title, label, text, hard, soft);
+            }
+        };
+        auto probe = std::make_shared<Probe>();
+        Dialog::initialize(probe);
+        probe->answer("alertAction", 0x400001);
+        probe->answer("alertMissingFile", int(Dialog::MissingFileAction::Browse));
+        probe->answer("alertModifiedProject", ScriptedDialogStrategy::DontSave);
+        probe->answer("showValidationInputDialog", "name");
+
+        QCOMPARE(Dialog::alertAction("t", "x", QString(), QString(), "c"), 0x400001);
+        QCOMPARE(Dialog::alertMissingFile("a.mp4", "/old"), Dialog::MissingFileAction::Browse);
+        bool save = true;
+        QVERIFY(Dialog::alertModifiedProject(save));
+        QVERIFY(!save);
+        const auto reject = [](QString const&, QString& error) { error = "no"; return false; };
+        QCOMPARE(Dialog::showValidationInputDialog("t", "l", "x", reject), QStringLiteral("name"));
+        QVERIFY(probe->softAccepts); // the form without a soft validator accepts every text softly
+        QCOMPARE(probe->lastArguments("alertMissingFile"), (QVariantList{"a.mp4", "/old"}));
+        QCOMPARE(int(probe->count("alertAction")), 1);
     }
 
-    void overwrite()
+    void lifecycle()
     {
-        QFETCH(bool, folder);
-        QFETCH(QString, press);
-        QFETCH(bool, result);
-        Seen seen;
-        answerModal([&](QWidget* modal) {
-            seen = look(asBox(modal));
-            if (press == QLatin1String("Escape"))
-                QTest::keyClick(modal, Qt::Key_Escape);
-            else
-                asBox(modal)->button(press == QLatin1String("&Yes") ? QMessageBox::Yes : QMessageBox::No)->click();
+        // After initialize({}) the next call shows the default strategy's dialogs again.
+        Dialog::initialize(std::make_shared<ScriptedDialogStrategy>());
+        Dialog::initialize({});
+        answerModal([](QWidget* modal) { clickButton(modal, QStringLiteral("Yes")); });
+        QVERIFY(Dialog::alertOverwrite("x"));
+        Dialog::showFileInfo(nullptr); // logs; a dialog here would block
+
+        // Replaced from inside its own dialog, a strategy lives until that dialog returns.
+        int destroyed = 0;
+        auto first = std::make_shared<CountedStrategy>(&destroyed);
+        auto second = std::make_shared<ScriptedDialogStrategy>();
+        int destroyedDuringCall = -1;
+        first->onCall("alertRestoreSession", [&] {
+            Dialog::initialize(second);
+            destroyedDuringCall = destroyed;
         });
-        const QString path = QStringLiteral("/home/user/Videos/out.mp4");
-        QCOMPARE(folder ? Dialog::alertOverwriteFolder(path) : Dialog::alertOverwrite(path), result);
-        QCOMPARE(seen.title, folder ? QStringLiteral("Folder exist") : QStringLiteral("File exists"));
-        QCOMPARE(seen.text, (folder ? QStringLiteral("Folder \"%1\" already exists. Overwrite it?")
-                                    : QStringLiteral("File \"%1\" already exists. Overwrite it?"))
-                                .arg(path));
-    }
-
-    void restoreSessionDefaultsToYes()
-    {
-        answerModal([](QWidget* modal) { QTest::keyClick(modal, Qt::Key_Return); });
+        first->answer("alertRestoreSession", true);
+        Dialog::initialize(first);
+        first.reset(); // the installed pointer is the only owner now
         QVERIFY(Dialog::alertRestoreSession());
-        answerModal([](QWidget* modal) { asBox(modal)->button(QMessageBox::No)->click(); });
-        QVERIFY(!Dialog::alertRestoreSession());
+        QCOMPARE(destroyedDuringCall, 0);
+        QCOMPARE(destroyed, 1);
+        QVERIFY(!Dialog::alertRestoreSession()); // the replacement answers now
+        QCOMPARE(second->count("alertRestoreSession"), 1);
     }
 
-    void actionWithCheckBox_data()
+    void germanCatalogue()
     {
-        QTest::addColumn<bool>("ok");
-        QTest::addColumn<bool>("tick");
-        QTest::addColumn<int>("result");
-        QTest::newRow("ok") << true << false << 0x400;
-        QTest::newRow("ok ticked") << true << true << 0x401;
-        QTest::newRow("cancel") << false << false << 0x400000;
-        QTest::newRow("cancel ticked") << false << true << 0x400001;
+        QTranslator german;
+        QVERIFY(german.load("klipvane_de_DE", qEnvironmentVariable("KLIPVANE_TEST_BIN_DIR") + "/translations"));
+        QCoreApplication::installTranslator(&german);
+        const QString title = saveQuestionTitle();
+        const QString aspect = AdjustProjectAspectDialog().windowTitle();
+        // Catalogued under "QObject" on purpose: the "Export" context has no such entry.
+        const QString inObject = QCoreApplication::translate("QObject", "No more space left on device");
+        const QString inExport = QCoreApplication::translate("Export", "No more space left on device");
+        QCoreApplication::removeTranslator(&german);
+        QCOMPARE(title, QStringLiteral("Projekt speichern"));
+        QCOMPARE(aspect, QStringLiteral("Dateien hinzufügen"));
+        QCOMPARE(inObject, QStringLiteral("Kein Speicherplatz mehr auf dem Gerät"));
+        QCOMPARE(inExport, QStringLiteral("No more space left on device"));
+        QCOMPARE(saveQuestionTitle(), QStringLiteral("Save project"));
     }
 
-    void actionWithCheckBox()
+    void oneContextChangesOnlyItsTexts_data()
     {
-        QFETCH(bool, ok);
-        QFETCH(bool, tick);
-        QFETCH(int, result);
-        Seen seen;
-        answerModal([&](QWidget* modal) {
-            QMessageBox* box = asBox(modal);
-            seen = look(box);
-            if (tick)
-                box->checkBox()->click();
-            clickButton(modal, ok ? QStringLiteral("Export") : QStringLiteral("Later"));
-        });
-        QCOMPARE(Dialog::alertAction(QStringLiteral("Title"), QStringLiteral("<b>Text</b>"), QStringLiteral("Export"),
-                                     QStringLiteral("Later"), QStringLiteral("Remember")),
-                 result);
-        QVERIFY(seen.hasCheckBox);
-        QCOMPARE(seen.format, Qt::RichText);
-        QCOMPARE(seen.level, 2);
+        QTest::addColumn<QByteArray>("context");
+        for (const char* context : {"DialogStrategy", "AdjustProjectAspectDialog", "UnsupportedCodecInfoDialog",
+                                    "GeneralButtonsTr", "Customization", "Nothing"})
+            QTest::newRow(context) << QByteArray(context);
     }
 
-    void actionCheckBoxIsAddedForAnEmptyText()
+    void oneContextChangesOnlyItsTexts()
     {
-        Seen seen;
-        answerModal([&](QWidget* modal) {
-            seen = look(asBox(modal));
-            asBox(modal)->button(QMessageBox::Ok)->click();
-        });
-        QCOMPARE(Dialog::alertAction(QStringLiteral("T"), QStringLiteral("X"), QString(), QString(), QString()), 0x400);
-        QVERIFY(seen.hasCheckBox);
-        QVERIFY(seen.buttons.contains(QStringLiteral("OK"))); // the standard texts stay
-    }
-
-    void actionWithoutCheckBox_data()
-    {
-        QTest::addColumn<QString>("press");
-        QTest::addColumn<bool>("result");
-        QTest::newRow("ok") << QStringLiteral("Restart") << true;
-        QTest::newRow("cancel") << QStringLiteral("Cancel") << false;
-        QTest::newRow("escape") << QStringLiteral("Escape") << false;
-    }
-
-    void actionWithoutCheckBox()
-    {
-        QFETCH(QString, press);
-        QFETCH(bool, result);
-        Seen seen;
-        answerModal([&](QWidget* modal) {
-            seen = look(asBox(modal));
-            if (press == QLatin1String("Escape"))
-                QTest::keyClick(modal, Qt::Key_Escape);
-            else
-                clickButton(modal, press);
-        });
-        QCOMPARE(Dialog::alertAction(QStringLiteral("T"), QStringLiteral("X"), QStringLiteral("Restart"), QString()),
-                 result);
-        QVERIFY(!seen.hasCheckBox);
-    }
-
-    void info_data()
-    {
-        QTest::addColumn<QString>("checkBoxText");
-        QTest::addColumn<bool>("tick");
-        QTest::addColumn<int>("result");
-        QTest::newRow("no check box") << QString() << false << 0x400;
-        QTest::newRow("not ticked") << QStringLiteral("Don't show again") << false << 0x400;
-        QTest::newRow("ticked") << QStringLiteral("Don't show again") << true << 0x401;
-    }
-
-    void info()
-    {
-        QFETCH(QString, checkBoxText);
-        QFETCH(bool, tick);
-        QFETCH(int, result);
-        Seen seen;
-        answerModal([&](QWidget* modal) {
-            QMessageBox* box = asBox(modal);
-            seen = look(box);
-            if (tick)
-                box->checkBox()->click();
-            clickButton(modal, QStringLiteral("Fine"));
-        });
-        QCOMPARE(Dialog::showInfo(QStringLiteral("T"), QStringLiteral("X"), QStringLiteral("Fine"), checkBoxText), result);
-        QCOMPARE(seen.hasCheckBox, !checkBoxText.isEmpty());
-        QCOMPARE(seen.level, 0);
-    }
-
-    void warning()
-    {
-        Seen seen;
-        answerModal([&](QWidget* modal) {
-            seen = look(asBox(modal));
-            asBox(modal)->button(QMessageBox::Ok)->click();
-        });
-        Dialog::showWarning(QStringLiteral("Careful"), QStringLiteral("Something"));
-        QCOMPARE(seen.title, QStringLiteral("Careful"));
-        QCOMPARE(seen.level, 1);
-        QCOMPARE(seen.format, Qt::RichText);
-    }
-
-    void criticalErrorHasNoParentAndBypassesTheWindowManager()
-    {
-        Seen seen;
-        answerModal([&](QWidget* modal) {
-            seen = look(asBox(modal));
-            asBox(modal)->button(QMessageBox::Ok)->click();
-        });
-        Dialog::showCriticalError(*qApp);
-        QCOMPARE(seen.title, QStringLiteral("Critical error"));
-        QCOMPARE(seen.parent, nullptr);
-        // Asked for with the single flag 0x400; Qt completes a parentless window's type and
-        // default hints itself, so what shows is a plain window bypassing the manager.
-        QVERIFY(seen.flags.testFlag(Qt::BypassWindowManagerHint));
-        QCOMPARE(seen.flags & Qt::WindowType_Mask, Qt::Window);
-        QVERIFY(!seen.flags.testFlag(Qt::MSWindowsFixedSizeDialogHint));
-        QVERIFY(seen.text.startsWith(QStringLiteral("Unknown problem has been detected.<br><br>Please contact us at <a ")));
-        QVERIFY(seen.text.contains(QStringLiteral("text-decoration: none")));
-        QVERIFY(seen.text.contains(QStringLiteral("SupportCenter</a>")));
-    }
-
-    void failedFiles_data()
-    {
-        QTest::addColumn<bool>("offerRemoval");
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("press");
-        QTest::addColumn<bool>("result");
-        QTest::addColumn<QString>("shown");
-        QTest::addColumn<QStringList>("buttons");
-        const QString choose = QStringLiteral(" <br>Please choose:<br>Remove unopened files from the project or keep them?");
-        QTest::newRow("default text, ok") << false << QString() << QStringLiteral("OK") << false
-                                          << QStringLiteral("Some of the files can't be opened.")
-                                          << QStringList{QStringLiteral("OK")};
-        QTest::newRow("remove") << true << QStringLiteral("a.mp4 failed.") << QStringLiteral("Remove") << true
-                                << QStringLiteral("a.mp4 failed.") + choose
-                                << QStringList{QStringLiteral("Keep"), QStringLiteral("Remove")};
-        QTest::newRow("keep") << true << QString() << QStringLiteral("Keep") << false
-                              << QStringLiteral("Some of the files can't be opened.") + choose
-                              << QStringList{QStringLiteral("Keep"), QStringLiteral("Remove")};
-        QTest::newRow("escape keeps") << true << QString() << QStringLiteral("Escape") << false
-                                      << QStringLiteral("Some of the files can't be opened.") + choose
-                                      << QStringList{QStringLiteral("Keep"), QStringLiteral("Remove")};
-    }
-
-    void failedFiles()
-    {
-        QFETCH(bool, offerRemoval);
-        QFETCH(QString, text);
-        QFETCH(QString, press);
-        QFETCH(bool, result);
-        QFETCH(QString, shown);
-        QFETCH(QStringList, buttons);
-        Seen seen;
-        answerModal([&](QWidget* modal) {
-            seen = look(asBox(modal));
-            if (press == QLatin1String("Escape"))
-                QTest::keyClick(modal, Qt::Key_Escape);
-            else
-                clickButton(modal, press);
-        });
-        QCOMPARE(Dialog::showHasFailedFiles(offerRemoval, text), result);
-        QCOMPARE(seen.text, shown);
-        QCOMPARE(seen.title, QStringLiteral("Can't open files"));
-        QCOMPARE(seen.level, 1);
-        QStringList sortedSeen = seen.buttons;
-        sortedSeen.sort();
-        QCOMPARE(sortedSeen, buttons);
-        QVERIFY(!(seen.flags & Qt::WindowCloseButtonHint));
-        QVERIFY(seen.flags & Qt::CustomizeWindowHint);
-    }
-
-    void missingFile_data()
-    {
-        QTest::addColumn<QString>("press");
-        QTest::addColumn<Dialog::MissingFileAction>("action");
-        QTest::newRow("abort") << QStringLiteral("Abort") << Dialog::MissingFileAction::Abort;
-        QTest::newRow("skip") << QStringLiteral("Skip") << Dialog::MissingFileAction::Skip;
-        QTest::newRow("browse") << QStringLiteral("Browse") << Dialog::MissingFileAction::Browse;
-    }
-
-    void missingFile()
-    {
-        QFETCH(QString, press);
-        QFETCH(Dialog::MissingFileAction, action);
-        Seen seen;
-        bool escapeIgnored = false;
-        answerModal([&](QWidget* modal) {
-            seen = look(asBox(modal));
-            // Neither Escape nor closing the window may end this box: a choice is required.
-            QTest::keyClick(modal, Qt::Key_Escape);
-            modal->close();
-            escapeIgnored = modal->isVisible();
-            clickButton(modal, press);
-        });
-        QCOMPARE(Dialog::alertMissingFile(QStringLiteral("clip.mp4"), QStringLiteral("/media/old")), action);
-        QVERIFY(escapeIgnored);
-        QCOMPARE(seen.title, QStringLiteral("Can't open the file"));
-        QCOMPARE(seen.text, QStringLiteral("Could not find the file clip.mp4 at the specified location: /media/old. The "
-                                           "file may have been moved or deleted. Click Browse to find the file at its "
-                                           "new location."));
-        QCOMPARE(seen.flags & ~Qt::WindowType_Mask, Qt::WindowTitleHint | Qt::CustomizeWindowHint);
-        QVERIFY(!(seen.flags & Qt::WindowCloseButtonHint));
-        QStringList sorted = seen.buttons;
-        sorted.sort();
-        QCOMPARE(sorted, (QStringList{QStringLiteral("Abort"), QStringLiteral("Browse"), QStringLiteral("Skip")}));
-    }
-
-    void adjustProjectAspect_data()
-    {
-        QTest::addColumn<QString>("press");
-        QTest::addColumn<bool>("result");
-        QTest::newRow("change") << QStringLiteral("Change") << true;
-        QTest::newRow("don't change") << QStringLiteral("Don't Change") << false;
-    }
-
-    void adjustProjectAspect()
-    {
-        QFETCH(QString, press);
-        QFETCH(bool, result);
-        QString title;
-        answerModal([&](QWidget* modal) {
-            title = modal->windowTitle();
-            QVERIFY(modal->findChild<QLabel*>(QStringLiteral("titleLabel")));
-            clickButton(modal, press);
-        });
-        QCOMPARE(Dialog::alertAdjustProjectAspect(), result);
-        QCOMPARE(title, QStringLiteral("Adding files"));
-    }
-
-    void h265FilesOfferTheLinksOfTheirKinds_data()
-    {
-        QTest::addColumn<QStringList>("paths");
-        QTest::addColumn<bool>("videoLink");
-        QTest::addColumn<bool>("imageLink");
-        QTest::newRow("videos") << QStringList{QStringLiteral("/v/a.mp4"), QStringLiteral("/v/b.mov")} << true << false;
-        QTest::newRow("images") << QStringList{QStringLiteral("/p/a.heic")} << false << true;
-        QTest::newRow("both") << QStringList{QStringLiteral("/v/a.mp4"), QStringLiteral("/p/a.heic")} << true << true;
-    }
-
-    void h265FilesOfferTheLinksOfTheirKinds()
-    {
-        QFETCH(QStringList, paths);
-        QFETCH(bool, videoLink);
-        QFETCH(bool, imageLink);
-        std::vector<std::unique_ptr<Media::File>> files;
-        std::set<Media::File const*> set;
-        for (const QString& path : paths) {
-            files.push_back(std::make_unique<Media::File>(path));
-            set.insert(files.back().get());
+        QFETCH(QByteArray, context);
+        ContextTranslator translator(context);
+        QCoreApplication::installTranslator(&translator);
+        QStringList texts{saveQuestionTitle()};
+        {
+            AdjustProjectAspectDialog dialog;
+            texts << dialog.windowTitle() << dialog.findChild<QLabel*>(QStringLiteral("infoLabel"))->text();
         }
-        QString message;
-        answerModal([&](QWidget* modal) {
-            if (auto* dialog = qobject_cast<UnsupportedCodecInfoDialog*>(modal))
-                message = dialog->message();
-            clickButton(modal, QStringLiteral("Got It"));
-        });
-        QVERIFY(Dialog::showHasH265FailedFiles(set));
-        QVERIFY(message.startsWith(QStringLiteral("Tavrin programs cannot correctly display")));
-        QVERIFY(message.contains(QStringLiteral("converting</a> the files to a supported format")));
-        QCOMPARE(message.contains(QStringLiteral(">videos</a>")), videoLink);
-        QCOMPARE(message.contains(QStringLiteral(">images</a>")), imageLink);
-        QCOMPARE(message.count(QStringLiteral("&bull;")), 2);
-        QVERIFY(message.contains(QStringLiteral("text-decoration: none")));
-    }
-
-    void h265NoticeClosedWithEscapeIsNotAccepted()
-    {
-        Media::File file(QStringLiteral("/v/a.mp4"));
-        answerModal([](QWidget* modal) { QTest::keyClick(modal, Qt::Key_Escape); });
-        QVERIFY(!Dialog::showHasH265FailedFiles({&file}));
-    }
-
-    void cantPasteEffectsListsEveryEffect()
-    {
-        Timeline::PasteFXResult result;
-        result.pastedCount = 2;
-        result.needManualSetup = {{QStringLiteral("Chroma key"), QString()},
-                                  {QStringLiteral("Motion tracking of a very long effect name that does not fit"), QString()}};
-        QStringList rows;
-        QSize fixed;
-        answerModal([&](QWidget* modal) {
-            auto* list = modal->findChild<QListWidget*>(QStringLiteral("effectsList"));
-            for (int i = 0; list && i < list->count(); ++i)
-                rows << list->item(i)->data(Qt::UserRole).toString();
-            fixed = modal->minimumSize() == modal->maximumSize() ? modal->size() : QSize();
-            clickButton(modal, QStringLiteral("OK"));
-        });
-        Dialog::showCantPasteEffects(result);
-        QCOMPARE(rows, (QStringList{QStringLiteral("Chroma key"),
-                                    QStringLiteral("Motion tracking of a very long effect name that does not fit")}));
-        QVERIFY(fixed.isValid());
-    }
-
-    void resourceLicenseShowsItsRows()
-    {
-        ExternalResourceInfo info;
-        info.title = QStringLiteral("Morning");
-        info.artist = QStringLiteral("A. Artist");
-        info.artistUrl = QStringLiteral("https://artist.example/");
-        info.source = QStringLiteral("Stock");
-        info.license = QStringLiteral("CC BY 4.0");
-        info.commercialUse = true;
-        QStringList texts;
-        answerModal([&](QWidget* modal) {
-            for (const char* name : {"artistLabel", "sourceLabel", "licenseLabel", "commercialUseLabel"})
-                if (auto* label = modal->findChild<QLabel*>(QLatin1String(name)))
-                    texts << label->text();
-            clickButton(modal, QStringLiteral("Got It"));
-        });
-        Dialog::showResourceLicense(info);
-        QCOMPARE(texts.size(), 4);
-        QCOMPARE(texts.at(0), QStringLiteral("Artist ・ <a href=\"https://artist.example/\" "
-                                             "style=\"text-decoration:none\">A. Artist</a>"));
-        QVERIFY(texts.at(1).startsWith(QStringLiteral("Source ・ <span style='color: ")));
-        QVERIFY(texts.at(3).startsWith(QStringLiteral("<html>")));
-        QVERIFY(texts.at(3).contains(QStringLiteral("Allowed")));
-    }
-
-    void fileInfo_data()
-    {
-        QTest::addColumn<bool>("video");
-        QTest::addColumn<bool>("audio");
-        QTest::newRow("video and audio") << true << true;
-        QTest::newRow("audio only") << false << true;
-        QTest::newRow("video only") << true << false;
-    }
-
-    void fileInfo()
-    {
-        QFETCH(bool, video);
-        QFETCH(bool, audio);
-        Media::File file(QStringLiteral("/media/clips/holiday.mp4"));
-        file.setFormat(QStringLiteral("mp4"));
-        file.setFileDuration(MediaTime::fromMilliseconds(83500));
-        if (video) {
-            Media::VideoTrack track;
-            track.codecId = QStringLiteral("h264");
-            track.frameSize = QSize(1920, 1080);
-            track.frameRate = 29.97;
-            track.bitRate = 8000000;
-            file.setVideoTracks({track});
+        {
+            UnsupportedCodecInfoDialog dialog({QStringLiteral("/v/a.mp4")});
+            texts << dialog.windowTitle() << dialog.findChild<QPushButton*>(QStringLiteral("gotItButton"))->text();
         }
-        if (audio) {
-            Media::AudioTrack track;
-            track.codecId = QStringLiteral("aac");
-            track.sampleRate = 48000;
-            track.bitRate = 192000;
-            track.channelLayout = 0x3F; // 5.1
-            file.setAudioTracks({track});
-        }
-        Tavrin::Gui::FileInfoDialog::Fields fields;
-        answerModal([&](QWidget* modal) {
-            if (auto* dialog = qobject_cast<Tavrin::Gui::FileInfoDialog*>(modal))
-                fields = dialog->fields();
-            clickButton(modal, QStringLiteral("OK"));
-        });
-        Dialog::showFileInfo(&file);
-        QCOMPARE(fields.fileName, QStringLiteral("holiday.mp4"));
-        QCOMPARE(fields.formatName.value_or(QString()), QStringLiteral("mp4"));
-        QCOMPARE(fields.videoCodecName.has_value(), video);
-        QCOMPARE(fields.aspectRatio.has_value(), video);
-        QCOMPARE(fields.audioCodecName.has_value(), audio);
-        QCOMPARE(fields.channels.has_value(), audio);
-        if (video) {
-            QCOMPARE(*fields.aspectRatio, QSize(16, 9));
-            QCOMPARE(*fields.videoGeometry, QSize(1920, 1080));
-            QCOMPARE(*fields.videoDuration, QStringLiteral("00:01:23"));
-            QCOMPARE(*fields.frameRate, 29.97);
-        }
-        if (audio) {
-            QCOMPARE(*fields.channels, 6);
-            QCOMPARE(*fields.sampleRate, 48000);
-        }
-    }
+        texts << Customization::supportCenterHRef();
+        QCoreApplication::removeTranslator(&translator);
 
-    void aspectRatioWithNonSquarePixels()
-    {
-        Media::File file(QStringLiteral("/dv.avi"));
-        Media::VideoTrack track;
-        track.frameSize = QSize(720, 576);
-        track.pixelAspectX = 16;
-        track.pixelAspectY = 15;
-        file.setVideoTracks({track});
-        QSize ratio;
-        answerModal([&](QWidget* modal) {
-            if (auto* dialog = qobject_cast<Tavrin::Gui::FileInfoDialog*>(modal))
-                ratio = dialog->fields().aspectRatio.value_or(QSize());
-            clickButton(modal, QStringLiteral("OK"));
-        });
-        Dialog::showFileInfo(&file);
-        QCOMPARE(ratio, QSize(4, 3));
-    }
-
-    void fileInfoOfNoFileShowsNothing()
-    {
-        Dialog::showFileInfo(nullptr); // logs; a modal dialog here would block the test
-    }
-
-    void defaultStrategyIsInstalledOnFirstUseAndAfterReset()
-    {
-        for (int round = 0; round < 2; ++round) {
-            Dialog::initialize({});
-            bool shown = false;
-            answerModal([&](QWidget* modal) {
-                shown = qobject_cast<Tavrin::Util::AlertBox*>(modal) != nullptr;
-                asBox(modal)->button(QMessageBox::Yes)->click();
-            });
-            QVERIFY(Dialog::alertOverwrite(QStringLiteral("x")));
-            QVERIFY(shown);
-        }
+        const QList<QByteArray> contexts{"DialogStrategy",   "AdjustProjectAspectDialog",  "AdjustProjectAspectDialog",
+                                         "UnsupportedCodecInfoDialog", "GeneralButtonsTr", "Customization"};
+        for (int i = 0; i < texts.size(); ++i)
+            QVERIFY2(texts[i].contains(QLatin1Char('[')) == (contexts[i] == context), qPrintable(texts[i]));
     }
 };
 
