@@ -11,7 +11,12 @@ struct HostOptions
     int quitAfterReadyMs = -1;  // --quit-after-ready <ms>: quit that long after the ready notification
     QString dialogGalleryDir;   // --dialog-gallery <folder>: render every standard dialog and exit
     QString locale;             // --locale <code>: user-interface locale, e.g. de_DE
+    bool help = false;          // --help, -h: print the usage and exit
+    bool version = false;       // --version, -v: print the version and exit
 
     // Removes the host options from `arguments` (element 0 is the program) and returns them.
     static HostOptions take(QStringList& arguments);
+
+    // What --help prints.
+    static QString usage();
 };
