@@ -29,6 +29,8 @@
 
 #include <glog/logging.h>
 
+#include <cstdio>
+
 namespace {
 
 void registerActionGateway()
@@ -68,25 +70,32 @@ void routeLinksThroughIpc()
 
 int main(int argc, char** argv)
 {
-    Tavrin::Log::init(argv[0]);
-
     QStringList arguments;
     for (int i = 0; i < argc; ++i)
         arguments << QString::fromLocal8Bit(argv[i]);
     const HostOptions options = HostOptions::take(arguments);
+    if (options.help || options.version) {
+        const QString text = options.help ? HostOptions::usage() : QStringLiteral("klipvane " KLIPVANE_VERSION "\n");
+        std::fputs(text.toLocal8Bit().constData(), stdout);
+        return 0;
+    }
+    // The log file waits until this process is known to need one: a launch that only hands
+    // its files to the running editor leaves no log of its own.
+    Tavrin::Log::init(argv[0], Tavrin::Log::FileStart::Later);
     Launcher::instance().setArguments(arguments);
     HostServices::registerProduct(executableDirectory(argv[0]), options.locale);
 
     // Decided before any application object: a launch that only hands its files to the
     // running editor must not pay for widgets. The gallery is a tool, not an editor.
     SecondLaunch launch;
-    if (options.dialogGalleryDir.isEmpty()) {
+    if (options.dialogGalleryDir.isEmpty())
         launch = SecondLaunch::decide(arguments);
-        if (launch.exitCode)
-            return *launch.exitCode;
-    } else {
+    else
         DialogGallery::prepareEnvironment();
-    }
+    if (launch.exitCode != SecondLaunch::HandedOver)
+        Tavrin::Log::startFile(); // the editor's log, or the story of a launch that failed
+    if (launch.exitCode)
+        return *launch.exitCode;
 
     QApplication application(argc, argv);
     QApplication::setOrganizationName(QStringLiteral("Klipvane"));
