@@ -119,17 +119,9 @@ private slots:
         QTemporaryDir home;
         const QString clip = m_root + QStringLiteral("/line\nbreak.mp4");
         QVERIFY(QFile::copy(m_root + QStringLiteral("/a.mp4"), clip));
-        QProcess editor;
-        editor.setProcessEnvironment(KvTest::hostEnvironment(home));
-        editor.start(KvTest::builtProgram(QStringLiteral("klipvane")), {QStringLiteral("--quit-after-ready"), QStringLiteral("20000")});
-        QByteArray log;
-        const auto logged = [&](const QByteArray& text) {
-            log += editor.readAllStandardError();
-            return log.contains(text);
-        };
-        QVERIFY2(QTest::qWaitFor([&] { return logged("] startup: ") || editor.state() == QProcess::NotRunning; }, 20000) &&
-                     editor.state() == QProcess::Running,
-                 log.constData());
+        KvTest::Host editor(KvTest::hostEnvironment(home), KvTest::builtProgram(QStringLiteral("klipvane")),
+                            {QStringLiteral("--quit-after-ready"), QStringLiteral("20000")});
+        QVERIFY2(editor.waitForLog("] startup: "), editor.log().constData());
         const QDir logs(home.filePath(QStringLiteral("log")));
         QCOMPARE(logs.entryList(QDir::Files).size(), 1);
 
@@ -138,9 +130,9 @@ private slots:
         second.start(KvTest::builtProgram(QStringLiteral("klipvane")), {clip});
         QVERIFY(second.waitForFinished(10000));
         QCOMPARE(second.exitCode(), 0);
-        QVERIFY2(QTest::qWaitFor([&] { return logged("] command: AddFiles "); }, 5000), log.constData());
+        QVERIFY2(editor.waitForLog("] command: AddFiles ", 5000), editor.log().constData());
         editor.terminate();
-        editor.waitForFinished(5000);
+        QVERIFY(editor.waitForFinished(5000));
 
         const QStringList files = logs.entryList(QDir::Files);
         QCOMPARE(files.size(), 1);

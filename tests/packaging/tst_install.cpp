@@ -55,19 +55,10 @@ private slots:
         const QString clip = QDir(home.path()).canonicalPath() + QStringLiteral("/clip.mp4");
         QFile(clip).open(QIODevice::WriteOnly);
 
-        QProcess editor;
-        editor.setProcessEnvironment(environment);
-        editor.start(installed(QStringLiteral("bin/klipvane")),
-                     {QStringLiteral("--locale"), QStringLiteral("de_DE"), QStringLiteral("--quit-after-ready"),
-                      QStringLiteral("20000")});
-        QByteArray log;
-        const auto logged = [&](const QByteArray& text) {
-            log += editor.readAllStandardError();
-            return log.contains(text);
-        };
-        QVERIFY2(QTest::qWaitFor([&] { return logged("] startup: ") || editor.state() == QProcess::NotRunning; }, 15000) &&
-                     editor.state() == QProcess::Running,
-                 log.constData());
+        KvTest::Host editor(environment, installed(QStringLiteral("bin/klipvane")),
+                            {QStringLiteral("--locale"), QStringLiteral("de_DE"), QStringLiteral("--quit-after-ready"),
+                             QStringLiteral("20000")});
+        QVERIFY2(editor.waitForLog("] startup: ", 15000), editor.log().constData());
 
         QFile maps(QStringLiteral("/proc/%1/maps").arg(editor.processId()));
         QVERIFY(maps.open(QIODevice::ReadOnly));
@@ -80,7 +71,7 @@ private slots:
             }
             QVERIFY2(mapped.contains(prefix + QByteArray(library + 1)), library);
         }
-        QVERIFY2(!log.contains("No translation for locale"), log.constData());
+        QVERIFY2(!editor.log().contains("No translation for locale"), editor.log().constData());
 
         QProcess second;
         second.setProcessEnvironment(environment);
@@ -88,14 +79,7 @@ private slots:
         QVERIFY(second.waitForFinished(10000));
         QVERIFY2(second.exitStatus() == QProcess::NormalExit && second.exitCode() == 0,
                  second.readAllStandardError().constData());
-        QVERIFY2(QTest::qWaitFor([&] { return logged("] command: AddFiles " + QFile::encodeName(clip)); }, 5000),
-                 log.constData());
-
-        editor.terminate();
-        if (!editor.waitForFinished(5000)) {
-            editor.kill();
-            editor.waitForFinished();
-        }
+        QVERIFY2(editor.waitForLog("] command: AddFiles " + QFile::encodeName(clip), 5000), editor.log().constData());
     }
 };
 

@@ -117,11 +117,15 @@ public:
             m_held += formatted;
     }
 
+    // Qt calls here may log (a warning becomes a glog line that comes back to send()), so
+    // the lock is held only around the switch from held lines to the file.
     void startFile()
     {
-        std::lock_guard<std::mutex> lock(m_mutex);
-        if (m_fd >= 0 || m_failed)
-            return;
+        {
+            std::lock_guard<std::mutex> lock(m_mutex);
+            if (m_fd >= 0 || m_failed)
+                return;
+        }
         const QString folderPath = logDirectory();
         QDir().mkpath(folderPath);
         // Also tightens a folder an earlier version created readable for everyone.
@@ -132,15 +136,19 @@ public:
                                       QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-hhmmss.zzz")))
                                  .arg(::getpid());
         const QByteArray path = QFile::encodeName(folder.filePath(name));
-        m_fd = ::open(path.constData(), O_WRONLY | O_CREAT | O_EXCL | O_APPEND | O_CLOEXEC, 0600);
-        if (m_fd < 0) {
-            m_failed = true;
-            writeAll(STDERR_FILENO, "Could not create the log file " + path.toStdString() + "\n");
-            return;
+        const int fd = ::open(path.constData(), O_WRONLY | O_CREAT | O_EXCL | O_APPEND | O_CLOEXEC, 0600);
+        {
+            std::lock_guard<std::mutex> lock(m_mutex);
+            if (fd < 0) {
+                m_failed = true;
+                writeAll(STDERR_FILENO, "Could not create the log file " + path.toStdString() + "\n");
+                return;
+            }
+            writeAll(fd, m_held);
+            m_held.clear();
+            m_holding = false;
+            m_fd = fd;
         }
-        writeAll(m_fd, m_held);
-        m_held.clear();
-        m_holding = false;
         prune(folder, m_program);
     }
 
