@@ -111,12 +111,15 @@ int main(int argc, char** argv)
     HostServices::decorateMainWindow(&window);
     if (auto* layout = qobject_cast<QBoxLayout*>(window.toolsPage()->layout()))
         layout->insertWidget(2, new CaptureTools);
-    window.addCollectionPage(QStringLiteral("UserFiles"), QObject::tr("Files you added from outside the editor."));
-    window.addCollectionPage(QStringLiteral("Effects"), QObject::tr("Filters, transitions and titles."));
+    window.addCollectionPage(QStringLiteral("UserFiles"), MainWindow::tr("Your Files"),
+                             QObject::tr("Files you added from outside the editor."));
+    window.addCollectionPage(QStringLiteral("Effects"), MainWindow::tr("Effects"),
+                             QObject::tr("Filters, transitions and titles."));
 
     // Files reaching the bin are opened by the media model; the bin reports each batch.
     MediaBin mediaBin(window.mediaBin());
     QObject::connect(&window, &MainWindow::filesAdded, &mediaBin, &MediaBin::addFiles);
+    QObject::connect(&mediaBin, &MediaBin::batchReported, &window, &MainWindow::showBatchOutcome);
 
     window.show();
     PubSub::publish(Command::ReadyNotification());

@@ -6,6 +6,8 @@
 #include <QFileInfo>
 #include <QSet>
 
+#include <algorithm>
+
 namespace FileUtil {
 
 QStringList supportedFileExtensions()
@@ -39,6 +41,18 @@ bool accepted(const QFileInfo& info, const QSet<QString>& extensions)
 
 QStringList extractFiles(const QStringList& paths, const QStringList& extensions)
 {
+    return extractFiles(paths, extensions, {});
+}
+
+bool containsFolder(const QStringList& paths)
+{
+    return std::any_of(paths.begin(), paths.end(),
+                       [](const QString& path) { return !path.isEmpty() && QFileInfo(path).isDir(); });
+}
+
+QStringList extractFiles(const QStringList& paths, const QStringList& extensions,
+                         const std::function<bool()>& cancelled)
+{
     QSet<QString> wanted;
     for (const QString& extension : extensions)
         wanted.insert(extension.toLower());
@@ -52,7 +66,7 @@ QStringList extractFiles(const QStringList& paths, const QStringList& extensions
             QStringList found;
             QDirIterator it(info.absoluteFilePath(), QDir::Files | QDir::Readable | QDir::NoDotAndDotDot,
                             QDirIterator::Subdirectories);
-            while (it.hasNext()) {
+            while (it.hasNext() && !(cancelled && cancelled())) {
                 it.next();
                 if (accepted(it.fileInfo(), wanted))
                     found << QDir::cleanPath(it.filePath());

@@ -3,6 +3,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
+
 namespace FileUtil {
 
 // Lower-case extensions (without the dot) of every file the editor can open, and of each
@@ -17,6 +19,12 @@ QStringList musicExtensions();
 // by the matching files below it, recursively, sorted by path. Missing, unreadable and
 // unsupported entries are dropped without a message.
 QStringList extractFiles(const QStringList& paths, const QStringList& extensions);
+// The same, for walks that may be long (a folder such as "/"): `cancelled` is asked between
+// entries and ends the walk early, with what was found so far.
+QStringList extractFiles(const QStringList& paths, const QStringList& extensions,
+                         const std::function<bool()>& cancelled);
+// True when one of `paths` is a folder, whose expansion may take long.
+bool containsFolder(const QStringList& paths);
 
 } // namespace FileUtil
 
