@@ -12,6 +12,7 @@
 #include "TestMedia.h"
 
 #include <cstdio>
+#include <unistd.h>
 
 class TestKlipvaneMedia : public QObject
 {
@@ -79,9 +80,10 @@ private slots:
         // A folder with a video whose name is not UTF-8 (written as bytes).
         QVERIFY(QDir(root).mkdir(QStringLiteral("odd")));
         QVERIFY(QFile::copy(media.filePath(QStringLiteral("h264_tiny.mp4")), root + QStringLiteral("/odd/clip.mp4")));
-        QCOMPARE(::rename(QFile::encodeName(root + "/odd/clip.mp4").constData(),
-                          (QFile::encodeName(root + "/odd/clip") + "\xff.mp4").constData()),
-                 0);
+        const QByteArray oddName = QFile::encodeName(root + "/odd/clip") + "\xff.mp4";
+        QCOMPARE(::rename(QFile::encodeName(root + "/odd/clip.mp4").constData(), oddName.constData()), 0);
+        // Qt cannot name it to remove it.
+        const auto removeOdd = qScopeGuard([&] { ::unlink(oddName.constData()); });
 
         QProcessEnvironment environment = KvTest::hostEnvironment(home);
         environment.insert(QStringLiteral("KLIPVANE_DISMISS_DIALOGS_MS"), QStringLiteral("0"));

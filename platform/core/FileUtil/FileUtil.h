@@ -17,7 +17,8 @@ QStringList musicExtensions();
 // The readable files named by `paths` whose extension is in `extensions` (compared
 // case-insensitively), as absolute clean paths in the given order. A folder is replaced
 // by the matching files below it, recursively, sorted by path. Missing, unreadable and
-// unsupported entries are dropped without a message.
+// unsupported entries are dropped without a message, except two that opening explains to
+// the user: a name whose bytes are not UTF-8 and a symbolic link loop.
 QStringList extractFiles(const QStringList& paths, const QStringList& extensions);
 // The same, for walks that may be long (a folder such as "/"): `cancelled` is asked between
 // entries and ends the walk early, with what was found so far.
