@@ -172,6 +172,7 @@ void MainWindow::buildMenus()
 void MainWindow::addCollectionPage(const QString& name, const QString& title, const QString& description)
 {
     QWidget* page = makePage(QStringLiteral("collectionPage_") + name, title, description);
+    LOG(INFO) << "collection page: " << name.toStdString() << " \"" << title.toStdString() << '"';
     m_pages->addWidget(page);
     m_collectionPages.insert(name, page);
     EditorCollection::CollectionProvider::add(std::make_shared<PageCollection>(name, this));

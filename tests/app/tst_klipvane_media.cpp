@@ -108,6 +108,19 @@ private slots:
         QCOMPARE(KvTest::logged(log, QStringLiteral("status: ")), QStringList{status});
     }
 
+    // The pages of the collections are titled in the user's language, not by their names.
+    void pageTitlesAreUserTexts()
+    {
+        QTemporaryDir home;
+        QProcess host;
+        host.setProcessEnvironment(KvTest::hostEnvironment(home));
+        host.setProcessChannelMode(QProcess::MergedChannels);
+        host.start(KvTest::builtProgram(QStringLiteral("klipvane")), {"--locale", "de_DE", "--quit-after-ready", "0"});
+        QVERIFY(host.waitForFinished(30000));
+        QCOMPARE(KvTest::logged(host.readAll(), QStringLiteral("collection page: ")),
+                 (QStringList{"UserFiles \"Ihre Dateien\"", "Effects \"Effekte\""}));
+    }
+
     // Quitting while hundreds of files are still opening: the media threads are stopped
     // before the process's statics go (under AddressSanitizer they were read after being
     // freed), and the editor ends normally.
