@@ -22,12 +22,15 @@
 #include <QApplication>
 #include <QBoxLayout>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QListWidget>
 #include <QScreen>
 #include <QTimer>
 
 #include <glog/logging.h>
+
+#include <unistd.h>
 
 namespace {
 
@@ -62,6 +65,15 @@ void routeLinksThroughIpc()
 {
     if (auto links = Tavrin::App::ServiceRegistry::instance().get<Tavrin::App::ILinksManager>())
         links->setLinksOpener(IPC::Controller::instance().createIPCLinksOpener());
+}
+
+long residentKilobytes()
+{
+    QFile statm(QStringLiteral("/proc/self/statm"));
+    if (!statm.open(QIODevice::ReadOnly))
+        return -1;
+    const QList<QByteArray> fields = statm.readAll().split(' ');
+    return fields.size() > 1 ? fields.at(1).toLong() * (sysconf(_SC_PAGESIZE) / 1024) : -1;
 }
 
 } // namespace
@@ -120,6 +132,14 @@ int main(int argc, char** argv)
     MediaBin mediaBin(window.mediaBin());
     QObject::connect(&window, &MainWindow::filesAdded, &mediaBin, &MediaBin::addFiles);
     QObject::connect(&mediaBin, &MediaBin::batchReported, &window, &MainWindow::showBatchOutcome);
+    // What the bin costs: the resident memory once a batch is in (bench/run_bin_memory.sh).
+    int batches = 0;
+    QObject::connect(&mediaBin, &MediaBin::batchReported, &application, [&] {
+        LOG(INFO) << "memory: " << residentKilobytes() << " kB resident, " << window.mediaBin()->count()
+                  << " item(s) in the media bin";
+        if (++batches == options.quitAfterBatches)
+            QApplication::quit();
+    });
 
     window.show();
     PubSub::publish(Command::ReadyNotification());

@@ -28,6 +28,7 @@ namespace {
 QMutex workersMutex;
 QThreadPool* workerThreads = nullptr;
 std::atomic<bool> workersStopping{false};
+std::atomic<int> openingsRunning{0};
 
 void startWorker(std::function<void()> job)
 {
@@ -94,7 +95,9 @@ struct FilePool::Impl
             const auto cancelled = [&box] { return workersStopping.load() || box->isClosed(); };
             if (cancelled())
                 return;
+            ++openingsRunning;
             OpenResult result = openFile(path, 20000, cancelled);
+            --openingsRunning;
             box->post([pool, job, result = std::move(result)] { pool->d->deliver(job, result); });
         });
     }
@@ -225,7 +228,7 @@ void FilePool::drainWorkers()
         return;
     workersStopping = true;
     threads->clear();
-    const int running = threads->activeThreadCount();
+    const int running = openingsRunning;
     delete threads; // waits for the running openings, which the flag interrupts
     workersStopping = false;
     LOG(INFO) << "Media openings stopped: " << running << " interrupted";
