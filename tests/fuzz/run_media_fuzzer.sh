@@ -39,16 +39,6 @@ if [ "$seconds" = 0 ]; then
     exec "$out/fuzz_media_open" "$@"
 fi
 
-: > "$out/media_run.stamp"
-status=0
-ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
-"$out/fuzz_media_open" -max_total_time="$seconds" -max_len=65536 -timeout=10 -rss_limit_mb=2048 \
-    -artifact_prefix="$out/media_crashes/" -print_final_stats=1 "$out/media_corpus" "$out/media_seeds" \
-    > "$out/media_last_run.log" 2>&1 || status=$?
-grep -E '^(stat::number_of_executed_units|#[0-9]+ +DONE)' "$out/media_last_run.log" || true
-if [ "$status" -ne 0 ]; then
-    tail -n 60 "$out/media_last_run.log" >&2
-    find "$out/media_crashes" -type f -newer "$out/media_run.stamp" -exec echo "  replay: $0 $out 0 {}" \; >&2
-    fail "the fuzz target failed (status $status); full log: $out/media_last_run.log"
-fi
-echo "run_media_fuzzer: no failure in ${seconds}s; corpus: $(ls "$out/media_corpus" | wc -l) inputs"
+. "$here/fuzz_run.sh"
+run_target "$out/fuzz_media_open" "$seconds" "$out/media_corpus" "$out/media_seeds" "$out/media_crashes" \
+    "$out/media_last_run.log" -max_len=65536
