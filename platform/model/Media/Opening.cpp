@@ -48,6 +48,9 @@ std::atomic<bool> readerLoaded{false};
 
 struct ReaderModule
 {
+    // Never deleted nor unloaded: a reader may still be in use while the process ends. Kept
+    // here, it stays reachable (the leak checker then knows it is meant).
+    QLibrary* library = nullptr;
     Reader::IMediaReader* reader = nullptr;
     std::string problem;
 };
@@ -58,8 +61,8 @@ ReaderModule& readerModule()
     static std::once_flag once;
     std::call_once(once, [] {
         const QString path = mediaReaderPath();
-        // Never unloaded: worker threads may still be inside it when the process ends.
-        auto* library = new QLibrary(path);
+        module.library = new QLibrary(path);
+        QLibrary* library = module.library;
         auto create = reinterpret_cast<Reader::CreateFunction>(library->resolve(Reader::CreateFunctionName));
         if (!create) {
             module.problem = "The media reader module could not be loaded: " + library->errorString().toStdString();
