@@ -10,6 +10,7 @@
 #include <QFileInfo>
 #include <QThreadPool>
 
+#include <algorithm>
 #include <deque>
 #include <functional>
 #include <utility>
@@ -24,7 +25,12 @@ struct Step
 {
     bool ready = false;
     std::function<void()> publish;
+    bool yieldAfter = false; // the steps after it go out on a later event-loop turn
 };
+
+// The files of a folder reach the editor in slices, one per event-loop turn: adding a file
+// to the bin costs the GUI thread some 0.1 ms, so a slice stays well under 50 ms.
+constexpr int filesPerSlice = 200;
 
 void publishFiles(const QStringList& files)
 {
@@ -75,7 +81,27 @@ public:
             const std::shared_ptr<Step> step = steps.front();
             steps.pop_front();
             step->publish(); // may add steps; they stay behind the ones still waiting
+            if (step->yieldAfter && !steps.empty()) {
+                QMetaObject::invokeMethod(&context, [this] { publishReadySteps(); }, Qt::QueuedConnection);
+                return;
+            }
         }
+    }
+
+    // Replaces the waiting `step` by the slices of `files`, in order.
+    void expanded(const std::shared_ptr<Step>& step, const QStringList& files)
+    {
+        auto at = std::find(steps.begin(), steps.end(), step);
+        if (at == steps.end())
+            return;
+        for (int first = 0; first < files.size() || first == 0; first += filesPerSlice) {
+            auto slice = first == 0 ? step : std::make_shared<Step>();
+            slice->ready = true;
+            slice->yieldAfter = true;
+            slice->publish = [slice = files.mid(first, filesPerSlice)] { publishFiles(slice); };
+            at = first == 0 ? at : steps.insert(std::next(at), slice);
+        }
+        publishReadySteps();
     }
 
     void flushFiles()
@@ -94,11 +120,7 @@ public:
         std::shared_ptr<Tavrin::Util::Mailbox> box = mailbox;
         QThreadPool::globalInstance()->start([this, box, step, held, extensions] {
             QStringList files = FileUtil::extractFiles(held, extensions, [&box] { return box->isClosed(); });
-            box->post([this, step, files = std::move(files)] {
-                step->ready = true;
-                step->publish = [files] { publishFiles(files); };
-                publishReadySteps();
-            });
+            box->post([this, step, files = std::move(files)] { expanded(step, files); });
         });
     }
 

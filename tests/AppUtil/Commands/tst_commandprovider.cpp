@@ -234,6 +234,34 @@ private slots:
         QCOMPARE(m_log.last(), QString("ShowMainWindow"));
     }
 
+    // A large folder's files arrive in slices, one per event-loop turn, so that adding them
+    // never holds the GUI thread for long; the order stays.
+    void largeFoldersArriveInSlices()
+    {
+        QTemporaryDir folder;
+        QStringList expected;
+        for (int i = 0; i < 450; ++i) {
+            expected << folder.filePath(QString("clip%1.mp4").arg(i, 3, 10, QChar('0')));
+            QFile file(expected.last());
+            QVERIFY(file.open(QIODevice::WriteOnly) && file.write("x") == 1);
+        }
+        setCommandLine({folder.path()});
+        CommandProvider provider;
+        CommandLog commands(m_log);
+        PubSub::publish(Command::ReadyNotification());
+        provider.showMainWindow();
+        QVERIFY(QTest::qWaitFor([&] { return !m_log.isEmpty(); }));
+        QCOMPARE(m_log.size(), 1); // one slice per turn
+        QVERIFY(QTest::qWaitFor([&] { return m_log.size() == 4; }));
+        QCOMPARE(m_log.last(), QString("ShowMainWindow"));
+        QStringList added;
+        for (const QString& command : m_log.mid(0, 3)) {
+            QVERIFY(command.startsWith("AddFiles "));
+            added << command.mid(9).split(' ');
+        }
+        QCOMPARE(added, expected);
+    }
+
     void destroyedWhileExpandingPublishesNothing()
     {
         setCommandLine({m_dir.path()});
