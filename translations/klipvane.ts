@@ -588,7 +588,7 @@
         <translation type="unfinished"></translation>
     </message>
     <message numerus="yes">
-        <location line="+33"/>
+        <location line="+34"/>
         <location line="+9"/>
         <source>%n file(s) added</source>
         <translation type="unfinished">
@@ -614,7 +614,7 @@
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <location filename="../app/main.cpp" line="+114"/>
+        <location filename="../app/main.cpp" line="+126"/>
         <source>Your Files</source>
         <translation type="unfinished"></translation>
     </message>

@@ -601,7 +601,7 @@
         <translation>Seiten</translation>
     </message>
     <message numerus="yes">
-        <location line="+33"/>
+        <location line="+34"/>
         <location line="+9"/>
         <source>%n file(s) added</source>
         <translation>
@@ -630,7 +630,7 @@
 %3</translation>
     </message>
     <message>
-        <location filename="../app/main.cpp" line="+114"/>
+        <location filename="../app/main.cpp" line="+126"/>
         <source>Your Files</source>
         <translation>Ihre Dateien</translation>
     </message>
