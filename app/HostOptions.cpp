@@ -9,6 +9,7 @@ HostOptions HostOptions::take(QStringList& arguments)
     const std::map<QString, std::function<void(const QString&)>> withValue{
         {QStringLiteral("--screenshot"), [&](const QString& v) { options.screenshotPath = v; }},
         {QStringLiteral("--quit-after-ready"), [&](const QString& v) { options.quitAfterReadyMs = v.toInt(); }},
+        {QStringLiteral("--quit-after-batches"), [&](const QString& v) { options.quitAfterBatches = v.toInt(); }},
         {QStringLiteral("--dialog-gallery"), [&](const QString& v) { options.dialogGalleryDir = v; }},
         {QStringLiteral("--locale"), [&](const QString& v) { options.locale = v; }},
     };

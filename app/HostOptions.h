@@ -9,6 +9,7 @@ struct HostOptions
 {
     QString screenshotPath;     // --screenshot <file.png>: save the main window once ready, then quit
     int quitAfterReadyMs = -1;  // --quit-after-ready <ms>: quit that long after the ready notification
+    int quitAfterBatches = -1;  // --quit-after-batches <n>: quit once n media batches have been reported
     QString dialogGalleryDir;   // --dialog-gallery <folder>: render every standard dialog and exit
     QString locale;             // --locale <code>: user-interface locale, e.g. de_DE
     bool help = false;          // --help, -h: print the usage and exit

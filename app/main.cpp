@@ -22,6 +22,7 @@
 #include <QApplication>
 #include <QBoxLayout>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QListWidget>
 #include <QScreen>
@@ -30,6 +31,7 @@
 #include <glog/logging.h>
 
 #include <cstdio>
+#include <unistd.h>
 
 namespace {
 
@@ -64,6 +66,15 @@ void routeLinksThroughIpc()
 {
     if (auto links = Tavrin::App::ServiceRegistry::instance().get<Tavrin::App::ILinksManager>())
         links->setLinksOpener(IPC::Controller::instance().createIPCLinksOpener());
+}
+
+long residentKilobytes()
+{
+    QFile statm(QStringLiteral("/proc/self/statm"));
+    if (!statm.open(QIODevice::ReadOnly))
+        return -1;
+    const QList<QByteArray> fields = statm.readAll().split(' ');
+    return fields.size() > 1 ? fields.at(1).toLong() * (sysconf(_SC_PAGESIZE) / 1024) : -1;
 }
 
 } // namespace
@@ -120,12 +131,23 @@ int main(int argc, char** argv)
     HostServices::decorateMainWindow(&window);
     if (auto* layout = qobject_cast<QBoxLayout*>(window.toolsPage()->layout()))
         layout->insertWidget(2, new CaptureTools);
-    window.addCollectionPage(QStringLiteral("UserFiles"), QObject::tr("Files you added from outside the editor."));
-    window.addCollectionPage(QStringLiteral("Effects"), QObject::tr("Filters, transitions and titles."));
+    window.addCollectionPage(QStringLiteral("UserFiles"), MainWindow::tr("Your Files"),
+                             QObject::tr("Files you added from outside the editor."));
+    window.addCollectionPage(QStringLiteral("Effects"), MainWindow::tr("Effects"),
+                             QObject::tr("Filters, transitions and titles."));
 
     // Files reaching the bin are opened by the media model; the bin reports each batch.
     MediaBin mediaBin(window.mediaBin());
     QObject::connect(&window, &MainWindow::filesAdded, &mediaBin, &MediaBin::addFiles);
+    QObject::connect(&mediaBin, &MediaBin::batchReported, &window, &MainWindow::showBatchOutcome);
+    // What the bin costs: the resident memory once a batch is in (bench/run_bin_memory.sh).
+    int batches = 0;
+    QObject::connect(&mediaBin, &MediaBin::batchReported, &application, [&] {
+        LOG(INFO) << "memory: " << residentKilobytes() << " kB resident, " << window.mediaBin()->count()
+                  << " item(s) in the media bin";
+        if (++batches == options.quitAfterBatches)
+            QApplication::quit();
+    });
 
     window.show();
     PubSub::publish(Command::ReadyNotification());
