@@ -11,6 +11,8 @@ HostOptions HostOptions::take(QStringList& arguments)
         {QStringLiteral("--quit-after-ready"), [&](const QString& v) { options.quitAfterReadyMs = v.toInt(); }},
         {QStringLiteral("--dialog-gallery"), [&](const QString& v) { options.dialogGalleryDir = v; }},
         {QStringLiteral("--locale"), [&](const QString& v) { options.locale = v; }},
+        {QStringLiteral("--thumbnails-to"), [&](const QString& v) { options.thumbnailsDir = v; }},
+        {QStringLiteral("--thumbnail-size"), [&](const QString& v) { options.thumbnailSize = v.toInt(); }},
     };
     QStringList kept;
     for (int i = 0; i < arguments.size(); ++i) {

@@ -11,6 +11,8 @@ struct HostOptions
     int quitAfterReadyMs = -1;  // --quit-after-ready <ms>: quit that long after the ready notification
     QString dialogGalleryDir;   // --dialog-gallery <folder>: render every standard dialog and exit
     QString locale;             // --locale <code>: user-interface locale, e.g. de_DE
+    QString thumbnailsDir;      // --thumbnails-to <folder>: write the named files' thumbnails there and exit
+    int thumbnailSize = 128;    // --thumbnail-size <px>: the box they are fitted into
 
     // Removes the host options from `arguments` (element 0 is the program) and returns them.
     static HostOptions take(QStringList& arguments);

@@ -15,12 +15,12 @@ class QListWidgetItem;
 // the file's main facts (or the reason it failed) on a second line. When a batch has an
 // outcome, the standard reports follow: the failed-files dialog (or the H.265 one), which
 // may remove the unopened files, and the one-time HDR notice. The item's context menu
-// offers the file information dialog.
+// offers the file information dialog. Files that opened show their thumbnail (BinThumbnails).
 class MediaBin : public QObject, public FileOpenHandler
 {
     Q_OBJECT
 public:
-    enum Role { FileRole = 0x0200, StateRole, FactsRole };
+    enum Role { FileRole = 0x0200, StateRole, FactsRole, ThumbnailRole };
 
     explicit MediaBin(QListWidget* bin, QObject* parent = nullptr);
     ~MediaBin() override;
