@@ -6,7 +6,9 @@
 #      sequentially, on the same files; three rounds, each side timed in every round, best of
 #      each kept. Goal: ratio <= 0.5.
 #  (b) bench_thumbnails: the same 200 files asked for at once from an event loop; the
-#      longest time the loop did not turn while they were made. Goal: <= 16 ms.
+#      longest time the loop did not turn while they were made (goal: <= 16 ms), the longest
+#      CPU time the main thread spent between two turns, and the same loop's longest stall
+#      in the second before, with nothing to do (what the machine's scheduler alone costs).
 set -eu
 here=$(cd "$(dirname "$0")" && pwd)
 build=${1:-$here/../build}
@@ -77,5 +79,6 @@ echo "(a) files=$count klipvane_ms=$ours ffmpegthumbnailer_loop_ms=$theirs ratio
 for round in 1 2 3; do
     XDG_CACHE_HOME="$work/stallcache$round" "$bin/bench_thumbnails" "$work/files"/* 2>/dev/null | tee -a "$work/stall.txt" | sed 's/^/    /'
 done
-worst=$(sed 's/.*longest_stall_ms=\([0-9.]*\).*/\1/' "$work/stall.txt" | sort -g | tail -1)
-echo "(b) longest event-loop stall over 3 rounds: ${worst} ms (goal <= 16)"
+field() { sed "s/.* $1=\([0-9.]*\).*/\1/" "$work/stall.txt" | sort -g | tail -1; }
+echo "(b) over 3 rounds: longest stall while making $(field longest_stall_ms) ms (goal <= 16)," \
+     "longest busy $(field longest_busy_ms) ms, longest stall when idle $(field idle_longest_stall_ms) ms"

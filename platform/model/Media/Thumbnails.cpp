@@ -18,7 +18,11 @@
 #include <glog/logging.h>
 
 #include <atomic>
+#include <cerrno>
 #include <mutex>
+
+#include <sys/resource.h>
+#include <unistd.h>
 
 namespace Media {
 namespace {
@@ -26,6 +30,7 @@ namespace {
 // How long a stalled input (a hung network share) may hold a worker.
 constexpr int DecodeTimeoutMs = 20000;
 constexpr qint64 DefaultMemoryLimit = 16 * 1024 * 1024;
+constexpr int BackgroundNiceness = 5;
 
 struct DecoderModule
 {
@@ -80,6 +85,21 @@ QImage drawWaveform(const std::vector<float>& peaks, int width)
         painter.drawRect(QRectF(i * column, middle - half, std::max(1.0, column * 0.7), 2 * half));
     }
     return image;
+}
+
+// Pictures are background work: on a busy machine the user's clicks and scrolling come
+// first. Linux gives each thread its own nice value.
+void yieldToForeground()
+{
+    thread_local bool lowered = false;
+    if (lowered)
+        return;
+    lowered = true;
+    const pid_t thread = gettid();
+    errno = 0;
+    const int nice = getpriority(PRIO_PROCESS, id_t(thread));
+    if (errno == 0)
+        setpriority(PRIO_PROCESS, id_t(thread), std::min(nice + BackgroundNiceness, 19));
 }
 
 QString keyOf(const QString& path, int size)
@@ -198,6 +218,7 @@ QImage Thumbnails::request(const QString& path, int size)
     d->threads.start(QRunnable::create([this, path, size, withdrawn] {
         if (*withdrawn)
             return;
+        yieldToForeground();
         const Thumbnail thumbnail = makeThumbnail(path, size);
         QMetaObject::invokeMethod(this, [this, thumbnail] { deliver(thumbnail); }, Qt::QueuedConnection);
     }), ++d->newest);

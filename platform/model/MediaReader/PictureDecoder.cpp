@@ -392,11 +392,15 @@ DecodedPicture decodeLoudness(AVFormatContext* input, AVStream* stream)
         qint64 total = 0;
         for (const auto& f : frames)
             total += f.second;
+        // Each frame covers the columns of its stretch of time; a short clip has fewer
+        // frames than columns.
         qint64 position = 0;
         for (const auto& [peak, samples] : frames) {
-            const auto column = std::size_t(total > 0 ? std::min<qint64>(WaveformColumns - 1, position * WaveformColumns / total) : 0);
-            result.peaks[column] = std::max(result.peaks[column], peak);
+            const qint64 first = total > 0 ? position * WaveformColumns / total : 0;
             position += samples;
+            const qint64 last = total > 0 ? (position * WaveformColumns + total - 1) / total - 1 : 0;
+            for (qint64 column = first; column <= std::min<qint64>(std::max(first, last), WaveformColumns - 1); ++column)
+                result.peaks[std::size_t(column)] = std::max(result.peaks[std::size_t(column)], peak);
         }
         if (frames.empty())
             return failure(InputCorruptedOrMissing, "No sound could be decoded");
