@@ -11,12 +11,16 @@ namespace BinThumbnails {
 
 QImage prepare(QStyleOptionViewItem& option, const QModelIndex& index, int role)
 {
+    // Every item gets the view's whole icon box, so that the names line up whether an item
+    // shows a picture or a state icon (drawn centred in the box).
+    if (const auto* view = qobject_cast<const QAbstractItemView*>(option.widget))
+        option.decorationSize = view->iconSize();
     const QString path = index.data(role).toString();
     if (path.isEmpty())
         return QImage();
     const QImage picture = Media::Thumbnails::instance().request(path, Size);
     if (!picture.isNull()) {
-        // The style still lays the item out around a decoration of the view's icon size.
+        // The style still lays the item out around the decoration box.
         option.icon = QIcon();
         option.features |= QStyleOptionViewItem::HasDecoration;
     }
