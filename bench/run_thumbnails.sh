@@ -18,18 +18,8 @@ if ! command -v ffmpegthumbnailer >/dev/null; then
     [ "$(id -u)" -eq 0 ] || SUDO=sudo
     DEBIAN_FRONTEND=noninteractive $SUDO apt-get install -y -qq --no-install-recommends ffmpegthumbnailer >/dev/null
 fi
-for tool in "$bin/klipvane" "$bin/bench_thumbnails" ffmpeg ffmpegthumbnailer; do
-    command -v "$tool" >/dev/null || { echo "run_thumbnails: $tool not found (build first; ffmpeg installed?)" >&2; exit 1; }
-done
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT INT TERM
-export KLIPVANE_CONFIG_DIR="$work/config" KLIPVANE_LOG_DIR="$work/log" XDG_RUNTIME_DIR="$work/run"
-mkdir -p "$KLIPVANE_CONFIG_DIR" "$KLIPVANE_LOG_DIR" "$XDG_RUNTIME_DIR"
-chmod 700 "$XDG_RUNTIME_DIR"
-
-now_ms() { date +%s%3N; }
-least() { sort -g "$1" | head -1; }
-ratio() { awk "BEGIN { printf \"%.3f\", $1 / $2 }"; }
+. "$here/common.sh"
+require "$bin/klipvane" "$bin/bench_thumbnails" ffmpeg ffmpegthumbnailer
 
 # Four kinds of camera-like clips, each starting on a black second (a fade-in), 50 names each.
 ff() { ffmpeg -nostdin -hide_banner -loglevel error -y "$@"; }

@@ -204,34 +204,39 @@ public:
         Packet packet(av_packet_alloc());
         Frame frame(av_frame_alloc());
         if (!packet || !frame)
-            return true;
+            return false;
         int packets = 0;
         bool ended = false;
         while (!ended && packets < PacketBudget) {
-            const int rc = av_read_frame(m_input, packet.get());
-            if (rc < 0) {
+            if (av_read_frame(m_input, packet.get()) < 0) {
                 ended = true;
                 avcodec_send_packet(m_decoder, nullptr);
             } else {
-                const bool wanted = packet->stream_index == m_stream->index
-                    && (everyFrame || (packet->flags & AV_PKT_FLAG_KEY));
-                if (packet->stream_index == m_stream->index)
-                    ++packets;
+                const bool ours = packet->stream_index == m_stream->index;
+                packets += ours ? 1 : 0;
+                const bool wanted = ours && (everyFrame || (packet->flags & AV_PKT_FLAG_KEY));
                 const int sent = wanted ? avcodec_send_packet(m_decoder, packet.get()) : 0;
                 av_packet_unref(packet.get());
-                if (sent < 0 && sent != AVERROR(EAGAIN)) {
+                if (!wanted)
+                    continue;
+                if (sent < 0) {
                     m_lastError = sent;
                     continue;
                 }
-                if (!wanted)
-                    continue;
+                // A key frame needs no other: draining hands it out now rather than after
+                // the decoder's reordering delay, which would take further key frames.
+                if (!everyFrame)
+                    avcodec_send_packet(m_decoder, nullptr);
             }
-            while (avcodec_receive_frame(m_decoder, frame.get()) == 0) {
-                const bool done = consider(frame.get());
+            bool found = false;
+            while (!found && avcodec_receive_frame(m_decoder, frame.get()) == 0) {
+                found = consider(frame.get());
                 av_frame_unref(frame.get());
-                if (done)
-                    return true;
             }
+            if (found)
+                return true;
+            if (!everyFrame && !ended)
+                avcodec_flush_buffers(m_decoder); // drained: ready for the next key frame
         }
         return !m_best.isNull();
     }
