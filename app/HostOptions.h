@@ -13,7 +13,12 @@ struct HostOptions
     QString locale;             // --locale <code>: user-interface locale, e.g. de_DE
     QString thumbnailsDir;      // --thumbnails-to <folder>: write the named files' thumbnails there and exit
     int thumbnailSize = 128;    // --thumbnail-size <px>: the box they are fitted into
+    bool help = false;          // --help, -h: print the usage and exit
+    bool version = false;       // --version, -v: print the version and exit
 
     // Removes the host options from `arguments` (element 0 is the program) and returns them.
     static HostOptions take(QStringList& arguments);
+
+    // What --help prints.
+    static QString usage();
 };

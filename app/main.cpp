@@ -30,6 +30,8 @@
 
 #include <glog/logging.h>
 
+#include <cstdio>
+
 namespace {
 
 void registerActionGateway()
@@ -69,17 +71,24 @@ void routeLinksThroughIpc()
 
 int main(int argc, char** argv)
 {
-    Tavrin::Log::init(argv[0]);
-
     QStringList arguments;
     for (int i = 0; i < argc; ++i)
         arguments << QString::fromLocal8Bit(argv[i]);
     const HostOptions options = HostOptions::take(arguments);
+    if (options.help || options.version) {
+        const QString text = options.help ? HostOptions::usage() : QStringLiteral("klipvane " KLIPVANE_VERSION "\n");
+        std::fputs(text.toLocal8Bit().constData(), stdout);
+        return 0;
+    }
+    // The log file waits until this process is known to need one: a launch that only hands
+    // its files to the running editor leaves no log of its own.
+    Tavrin::Log::init(argv[0], Tavrin::Log::FileStart::Later);
     Launcher::instance().setArguments(arguments);
     HostServices::registerProduct(executableDirectory(argv[0]), options.locale);
 
     // A tool, not an editor: no window, no display, no hand-over to a running editor.
     if (!options.thumbnailsDir.isEmpty()) {
+        Tavrin::Log::startFile();
         QCoreApplication application(argc, argv);
         QCoreApplication::setOrganizationName(QStringLiteral("Klipvane"));
         QCoreApplication::setApplicationName(QStringLiteral("Klipvane"));
@@ -90,13 +99,14 @@ int main(int argc, char** argv)
     // Decided before any application object: a launch that only hands its files to the
     // running editor must not pay for widgets. The gallery is a tool, not an editor.
     SecondLaunch launch;
-    if (options.dialogGalleryDir.isEmpty()) {
+    if (options.dialogGalleryDir.isEmpty())
         launch = SecondLaunch::decide(arguments);
-        if (launch.exitCode)
-            return *launch.exitCode;
-    } else {
+    else
         DialogGallery::prepareEnvironment();
-    }
+    if (launch.exitCode != SecondLaunch::HandedOver)
+        Tavrin::Log::startFile(); // the editor's log, or the story of a launch that failed
+    if (launch.exitCode)
+        return *launch.exitCode;
 
     QApplication application(argc, argv);
     QApplication::setOrganizationName(QStringLiteral("Klipvane"));
