@@ -12,6 +12,8 @@ HostOptions HostOptions::take(QStringList& arguments)
         {QStringLiteral("--quit-after-batches"), [&](const QString& v) { options.quitAfterBatches = v.toInt(); }},
         {QStringLiteral("--dialog-gallery"), [&](const QString& v) { options.dialogGalleryDir = v; }},
         {QStringLiteral("--locale"), [&](const QString& v) { options.locale = v; }},
+        {QStringLiteral("--thumbnails-to"), [&](const QString& v) { options.thumbnailsDir = v; }},
+        {QStringLiteral("--thumbnail-size"), [&](const QString& v) { options.thumbnailSize = v.toInt(); }},
     };
     const std::map<QString, std::function<void()>> flags{
         {QStringLiteral("--help"), [&] { options.help = true; }},
@@ -56,6 +58,8 @@ QString HostOptions::usage()
         "  --screenshot <png>         save the main window once ready, then quit\n"
         "  --quit-after-ready <ms>    quit that long after start-up\n"
         "  --dialog-gallery <folder>  render every standard dialog to a PNG there and exit\n"
+        "  --thumbnails-to <folder>   write the named files' thumbnails there as PNGs and exit\n"
+        "  --thumbnail-size <px>      the box those thumbnails are fitted into (default 128)\n"
         "  -h, --help                 print this help and exit\n"
         "  -v, --version              print the version and exit\n");
 }

@@ -12,6 +12,8 @@ struct HostOptions
     int quitAfterBatches = -1;  // --quit-after-batches <n>: quit once n media batches have been reported
     QString dialogGalleryDir;   // --dialog-gallery <folder>: render every standard dialog and exit
     QString locale;             // --locale <code>: user-interface locale, e.g. de_DE
+    QString thumbnailsDir;      // --thumbnails-to <folder>: write the named files' thumbnails there and exit
+    int thumbnailSize = 128;    // --thumbnail-size <px>: the box they are fitted into
     bool help = false;          // --help, -h: print the usage and exit
     bool version = false;       // --version, -v: print the version and exit
 

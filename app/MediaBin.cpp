@@ -1,5 +1,7 @@
 #include "MediaBin.h"
 
+#include "BinThumbnails.h"
+
 #include <Dialog/DialogStrategy.h>
 #include <ErrorDescription.h>
 
@@ -73,10 +75,12 @@ public:
     {
         QStyleOptionViewItem first = option;
         initStyleOption(&first, index);
+        const QImage picture = BinThumbnails::prepare(first, index, MediaBin::ThumbnailRole);
         const QString factsLine = index.data(MediaBin::FactsRole).toString();
         QStyle* style = first.widget ? first.widget->style() : QApplication::style();
         first.text.clear();
         style->drawControl(QStyle::CE_ItemViewItem, &first, painter, first.widget);
+        BinThumbnails::draw(painter, first, picture);
 
         const QRect text = style->subElementRect(QStyle::SE_ItemViewItemText, &first, first.widget);
         const int half = text.height() / 2;
@@ -122,6 +126,8 @@ MediaBin::MediaBin(QListWidget* bin, QObject* parent) : QObject(parent), m_bin(b
     auto track = [this](const Media::File* file) { refresh(file); };
     connect(&m_pool, &Media::FilePool::fileOpened, this, track);
     connect(&m_pool, &Media::FilePool::fileFailed, this, track);
+    m_bin->setIconSize(QSize(BinThumbnails::Size, BinThumbnails::Size * 9 / 16));
+    BinThumbnails::watch(m_bin, this);
 }
 
 MediaBin::~MediaBin()
@@ -184,6 +190,9 @@ void MediaBin::refresh(const Media::File* file)
     item->setIcon(m_icons.value(icon));
     item->setData(StateRole, state);
     item->setData(FactsRole, factsLine);
+    // Files that opened cleanly show their picture; the others keep the icon of their state.
+    const bool clean = file->isOpened() && file->unsupportedCodecs().isEmpty();
+    item->setData(ThumbnailRole, clean ? file->filePath() : QString());
     item->setToolTip(file->filePath() + QLatin1Char('\n') + factsLine);
 }
 

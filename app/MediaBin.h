@@ -18,12 +18,12 @@ class QListWidgetItem;
 // outcome, the standard reports follow: the failed-files dialog (or the H.265 one), which
 // may remove the unopened files it names, and the one-time HDR notice. The item's context
 // menu offers the file information dialog and removal of the selected items, which the
-// Delete key removes too.
+// Delete key removes too. Files that opened show their thumbnail (BinThumbnails).
 class MediaBin : public QObject, public FileOpenHandler
 {
     Q_OBJECT
 public:
-    enum Role { FileRole = 0x0200, StateRole, FactsRole };
+    enum Role { FileRole = 0x0200, StateRole, FactsRole, ThumbnailRole };
 
     explicit MediaBin(QListWidget* bin, QObject* parent = nullptr);
     ~MediaBin() override;

@@ -8,6 +8,7 @@
 #include "MainWindow.h"
 #include "MediaBin.h"
 #include "SecondLaunch.h"
+#include "ThumbnailExport.h"
 
 #include <ActionGateway.h>
 #include <CommandProvider.h>
@@ -95,6 +96,16 @@ int main(int argc, char** argv)
     Tavrin::Log::init(argv[0], Tavrin::Log::FileStart::Later);
     Launcher::instance().setArguments(arguments);
     HostServices::registerProduct(executableDirectory(argv[0]), options.locale);
+
+    // A tool, not an editor: no window, no display, no hand-over to a running editor.
+    if (!options.thumbnailsDir.isEmpty()) {
+        Tavrin::Log::startFile();
+        QCoreApplication application(argc, argv);
+        QCoreApplication::setOrganizationName(QStringLiteral("Klipvane"));
+        QCoreApplication::setApplicationName(QStringLiteral("Klipvane"));
+        return ThumbnailExport::run(options.thumbnailsDir, SecondLaunch::filesOf(arguments),
+                                    std::max(1, options.thumbnailSize));
+    }
 
     // Decided before any application object: a launch that only hands its files to the
     // running editor must not pay for widgets. The gallery is a tool, not an editor.

@@ -30,7 +30,8 @@ inline QProcessEnvironment hostEnvironment(const QTemporaryDir& home)
     environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
     const std::pair<const char*, const char*> folders[] = {
         {"config", "KLIPVANE_CONFIG_DIR"}, {"log", "KLIPVANE_LOG_DIR"},
-        {"runtime", "XDG_RUNTIME_DIR"}, {"ipc", "KLIPVANE_IPC_DIR"}};
+        {"runtime", "XDG_RUNTIME_DIR"}, {"ipc", "KLIPVANE_IPC_DIR"},
+        {"cache", "XDG_CACHE_HOME"}};
     for (const auto& [sub, variable] : folders) {
         const QString folder = home.filePath(QString::fromLatin1(sub));
         QDir().mkpath(folder);
