@@ -101,16 +101,18 @@ class TestSecondLaunch : public QObject
         return found.isEmpty() ? QString() : ipc.filePath(found.first());
     }
 
-private slots:
-    void init()
+    // Each test gets its own sockets, lock, settings and logs, all in `home`.
+    void useHome(std::unique_ptr<QTemporaryDir> home)
     {
-        // Each test gets its own sockets, lock, settings and logs.
-        m_home = std::make_unique<QTemporaryDir>();
+        m_home = std::move(home);
         m_environment = KvTest::hostEnvironment(*m_home);
         m_environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
         QVERIFY(QDir().mkpath(m_home->filePath(QStringLiteral("files"))));
         m_files = QDir(m_home->filePath(QStringLiteral("files"))).canonicalPath();
     }
+
+private slots:
+    void init() { useHome(std::make_unique<QTemporaryDir>()); }
 
     // Arguments of the second launch (names in the test's folder) and the files the running
     // editor adds, in order. A project is sent as "OnOpenProject": the window comes up
@@ -322,46 +324,59 @@ private slots:
         std::vector<std::unique_ptr<QLocalSocket>> crowd;
         for (int i = 0; i < 400; ++i) {
             crowd.push_back(std::make_unique<QLocalSocket>());
-            crowd.back()->connectToServer(socket);
-            crowd.back()->write(hello);
+            QLocalSocket* peer = crowd.back().get();
+            QObject::connect(peer, &QLocalSocket::connected, [peer, hello] { peer->write(hello); });
+            peer->connectToServer(socket);
         }
         QVERIFY(QTest::qWaitFor([&] {
-            return std::all_of(crowd.begin(), crowd.end(), [](const auto& c) { return c->bytesToWrite() == 0; });
+            return std::all_of(crowd.begin(), crowd.end(), [](const auto& c) {
+                return c->state() == QLocalSocket::UnconnectedState
+                    || (c->state() == QLocalSocket::ConnectedState && c->bytesToWrite() == 0);
+            });
         }, 20000));
-        QVERIFY2(primary->waitForLog(logged), primary->log().constData());
 
         const QString clip = file(QStringLiteral("after the crowd.mp4"));
         auto second = launch({clip});
         QVERIFY(second->waitForFinished(5000));
         QCOMPARE(second->code(), 0);
         QTRY_COMPARE_WITH_TIMEOUT(primary->added(), QStringList{clip}, 5000);
+        QVERIFY2(primary->waitForLog(logged), primary->log().constData());
         QCOMPARE(primary->log().count(logged.toUtf8()), 1);
     }
 
-    // Without a runtime folder the sockets go to the shared temporary folder, where another
-    // user may have taken the folder's name first. The editor stays single all the same.
+    // Without a runtime folder the sockets go to /tmp, where another user may have taken the
+    // folder's name first. The editor stays single all the same. The editors run in a mount
+    // namespace of their own whose /tmp is empty but for the taken folder, so the machine's
+    // /tmp is left alone; the test's folders are kept out of /tmp for that (in /var/tmp: the
+    // fallback folder is in the home, and socket paths must stay under 108 bytes).
     void socketFolderTakenByAnotherUser()
     {
         if (::getuid() != 0)
-            QSKIP("creating a folder for another uid needs root; the check runs in CI as root");
-        const QString temp = m_home->filePath(QStringLiteral("tmp"));
-        const QString taken = temp + QStringLiteral("/klipvane-ipc-%1").arg(::getuid());
-        QVERIFY(QDir().mkpath(taken));
-        QCOMPARE(::chown(QFile::encodeName(taken).constData(), 65534, 65534), 0);
-        QFile::setPermissions(taken, QFileDevice::Permissions(0x7777));
+            QSKIP("a mount namespace and a folder of another uid need root; the check runs in CI as root");
+        useHome(std::make_unique<QTemporaryDir>(QStringLiteral("/var/tmp/kvsf-XXXXXX")));
+        QVERIFY(m_home->isValid());
         m_environment.remove(QStringLiteral("KLIPVANE_IPC_DIR"));
         m_environment.remove(QStringLiteral("XDG_RUNTIME_DIR"));
-        m_environment.insert(QStringLiteral("TMPDIR"), temp);
+        m_environment.remove(QStringLiteral("TMPDIR"));
         m_environment.insert(QStringLiteral("HOME"), m_home->filePath(QStringLiteral("home")));
-
-        auto primary = startPrimary();
+        const QString taken = QStringLiteral("/tmp/klipvane-ipc-%1").arg(::getuid());
+        const QString privateTmp = QStringLiteral("mount -t tmpfs -o mode=1777 none /tmp && mkdir -m 777 %1 && "
+                                                  "chown 65534:65534 %1 && exec \"$0\" \"$@\"").arg(taken);
+        auto primary = startPrimary({QStringLiteral("unshare"), QStringLiteral("--mount"), QStringLiteral("--propagation"),
+                                     QStringLiteral("private"), QStringLiteral("sh"), QStringLiteral("-c"), privateTmp});
+        QVERIFY2(primary->running(), primary->log().constData());
         QVERIFY2(!primary->log().contains("Can not start IPC communication"), primary->log().constData());
+
         const QString clip = file(QStringLiteral("b.mp4"));
-        auto second = launch({clip});
-        QVERIFY(second->waitForFinished());
-        QCOMPARE(second->code(), 0);
+        Editor second(m_environment, m_files,
+                      {QStringLiteral("-t"), QString::number(primary->processId()), QStringLiteral("-m"), QStringLiteral("--"),
+                       KvTest::builtProgram(QStringLiteral("klipvane")), QStringLiteral("--quit-after-ready"),
+                       QStringLiteral("0"), clip},
+                      QStringLiteral("nsenter"));
+        QVERIFY(second.waitForFinished());
+        QCOMPARE(second.code(), 0);
+        QVERIFY2(!second.log().contains("] startup: "), "the second launch became an editor");
         QTRY_COMPARE_WITH_TIMEOUT(primary->added(), QStringList{clip}, 10000);
-        QVERIFY(QDir(taken).isEmpty());
     }
 
     void hostilePeersLeaveTheEditorResponsive()
