@@ -23,7 +23,7 @@ struct SecondLaunch
     std::optional<int> exitCode;
 
     // Exit statuses of a launch that did not become the editor.
-    enum Status { HandedOver = 0, Refused = 1, NobodyListening = 2, NoAnswer = 3 };
+    enum Status { HandedOver = 0, Refused = 1, NobodyListening = 2, NoAnswer = 3, Unsupported = 4 };
 
     // `arguments` is the command line without host options (element 0 is the program).
     // Needs the product services registered (the key is the product's).

@@ -18,6 +18,7 @@
 #include <glog/logging.h>
 
 #include <map>
+#include <utility>
 
 namespace IPC {
 namespace {
@@ -150,12 +151,18 @@ void Controller::Engine::run(const QString& module)
     emit m_controller->startStateChanged();
 
     QPointer<Controller> controller(m_controller);
-    auto failed = [this, controller, module] {
+    // Set once the editor stepped aside for the application; a start that fails after that
+    // (the program ended before it connected) brings the window back.
+    auto stepAside = std::make_shared<bool>(false);
+    auto failed = [this, controller, module, stepAside] {
         if (!controller)
             return;
         LOG(ERROR) << "Can't run " << module.toStdString();
         m_starting.remove(module);
         emit controller->startStateChanged();
+        if (std::exchange(*stepAside, false) && isAlone(SameProduct))
+            if (CommandProvider* provider = controller->commandProvider())
+                provider->showMainWindow();
     };
     const auto process = lookup(module, arguments);
     if (!process) {
@@ -164,9 +171,11 @@ void Controller::Engine::run(const QString& module)
     }
     m_platform.RunApplication(
         process,
-        [controller] {
-            if (controller && controller->commandProvider())
+        [controller, stepAside] {
+            if (controller && controller->commandProvider()) {
+                *stepAside = true;
                 controller->commandProvider()->hideMainWindow();
+            }
         },
         failed, [] { return false; });
 }

@@ -14,17 +14,21 @@
 #include <csignal>
 #include <memory>
 
+#include <unistd.h>
+
 namespace {
 
 // One editor process and everything it logged.
 class Editor : public QProcess
 {
 public:
-    Editor(const QProcessEnvironment& environment, const QString& folder, const QStringList& arguments)
+    // `program` runs the editor itself or a command that ends by executing it (prlimit).
+    Editor(const QProcessEnvironment& environment, const QString& folder, const QStringList& arguments,
+           const QString& program = KvTest::builtProgram(QStringLiteral("klipvane")))
     {
         setProcessEnvironment(environment);
         setWorkingDirectory(folder);
-        start(KvTest::builtProgram(QStringLiteral("klipvane")), arguments);
+        start(program, arguments);
     }
     ~Editor() override
     {
@@ -46,6 +50,11 @@ public:
     bool running() const { return state() != NotRunning; }
     const QByteArray& log() { return m_log += readAllStandardError(); }
     QStringList commands() { return KvTest::logged(log(), QStringLiteral("command: ")); }
+    QStringList added()
+    {
+        return commands().filter(QRegularExpression(QStringLiteral("^AddFiles "))).replaceInStrings(
+            QRegularExpression(QStringLiteral("^AddFiles ")), QString());
+    }
 
 private:
     QByteArray m_log;
@@ -73,9 +82,14 @@ class TestSecondLaunch : public QObject
     {
         return std::make_unique<Editor>(m_environment, m_files, arguments);
     }
-    std::unique_ptr<Editor> startPrimary()
+    std::unique_ptr<Editor> startPrimary(const QStringList& wrapper = {})
     {
-        auto editor = launch({QStringLiteral("--quit-after-ready"), QStringLiteral("60000")});
+        const QStringList arguments{QStringLiteral("--quit-after-ready"), QStringLiteral("60000")};
+        auto editor = wrapper.isEmpty()
+            ? launch(arguments)
+            : std::make_unique<Editor>(m_environment, m_files,
+                                       wrapper.mid(1) + QStringList{KvTest::builtProgram(QStringLiteral("klipvane"))} + arguments,
+                                       wrapper.first());
         if (!editor->waitForLog(QStringLiteral("] startup: ")))
             qWarning("primary did not start: %s", editor->log().constData());
         return editor;
@@ -87,16 +101,18 @@ class TestSecondLaunch : public QObject
         return found.isEmpty() ? QString() : ipc.filePath(found.first());
     }
 
-private slots:
-    void init()
+    // Each test gets its own sockets, lock, settings and logs, all in `home`.
+    void useHome(std::unique_ptr<QTemporaryDir> home)
     {
-        // Each test gets its own sockets, lock, settings and logs.
-        m_home = std::make_unique<QTemporaryDir>();
+        m_home = std::move(home);
         m_environment = KvTest::hostEnvironment(*m_home);
         m_environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
         QVERIFY(QDir().mkpath(m_home->filePath(QStringLiteral("files"))));
         m_files = QDir(m_home->filePath(QStringLiteral("files"))).canonicalPath();
     }
+
+private slots:
+    void init() { useHome(std::make_unique<QTemporaryDir>()); }
 
     // Arguments of the second launch (names in the test's folder) and the files the running
     // editor adds, in order. A project is sent as "OnOpenProject": the window comes up
@@ -105,25 +121,35 @@ private slots:
     {
         QTest::addColumn<QStringList>("arguments");
         QTest::addColumn<QStringList>("added");
+        QTest::addColumn<int>("status");
         QTest::newRow("spaces, non-ASCII, order kept, unsupported dropped")
             << QStringList{"my holiday clip.mp4", "notes.txt", QString::fromUtf8("Überschall → 夏.mp4")}
-            << QStringList{"my holiday clip.mp4", QString::fromUtf8("Überschall → 夏.mp4")};
-        QTest::newRow("mode is not a file") << QStringList{"--mode", "slideshow", "a.mp4"} << QStringList{"a.mp4"};
-        QTest::newRow("no files only shows the window") << QStringList{} << QStringList{};
-        QTest::newRow("a project is opened, not added") << QStringList{"story.kvproj"} << QStringList{};
+            << QStringList{"my holiday clip.mp4", QString::fromUtf8("Überschall → 夏.mp4")} << 0;
+        QTest::newRow("mode is not a file") << QStringList{"--mode", "slideshow", "a.mp4"} << QStringList{"a.mp4"} << 0;
+        QTest::newRow("no files only shows the window") << QStringList{} << QStringList{} << 0;
+        QTest::newRow("a project is opened, not added") << QStringList{"story.kvproj"} << QStringList{} << 0;
+        // Nothing the editor could open: the launch says so itself and leaves the editor alone.
+        QTest::newRow("only unsupported files") << QStringList{"notes.txt", "letter.doc"} << QStringList{} << 4;
     }
 
     void handsFilesToTheRunningEditor()
     {
         QFETCH(QStringList, arguments);
         QFETCH(QStringList, added);
+        QFETCH(int, status);
         for (const QString& argument : arguments.filter(QStringLiteral(".")))
             file(argument);
         auto primary = startPrimary();
         const int before = primary->commands().size();
         auto second = launch(arguments);
         QVERIFY(second->waitForFinished());
-        QCOMPARE(second->code(), 0);
+        QCOMPARE(second->code(), status);
+        if (status != 0) {
+            QVERIFY2(second->log().contains("klipvane: the editor cannot open any of these files: " + m_files.toUtf8()),
+                     second->log().constData());
+            QCOMPARE(primary->commands().size(), before);
+            return;
+        }
         QVERIFY2(primary->waitForLog(QStringLiteral("] command: ShowMainWindow")), primary->log().constData());
 
         QStringList expected{QStringLiteral("ShowMainWindow")};
@@ -204,7 +230,8 @@ private slots:
     {
         auto primary = startPrimary();
         QCOMPARE(::kill(pid_t(primary->processId()), SIGSTOP), 0);
-        auto second = launch({file(QStringLiteral("a.mp4"))});
+        const QString clip = file(QStringLiteral("a.mp4"));
+        auto second = launch({clip});
         const bool finished = second->waitForFinished();
         ::kill(pid_t(primary->processId()), SIGCONT);
         QVERIFY(finished);
@@ -212,7 +239,144 @@ private slots:
         QVERIFY(second->log().contains("does not answer"));
         // The frozen editor did get the call; once thawed it handles it, late but exactly once.
         QVERIFY(primary->waitForLog(QStringLiteral("] command: ShowMainWindow")));
-        QCOMPARE(primary->commands().filter(QStringLiteral("AddFiles ")).size(), 1);
+        QCOMPARE(primary->added(), QStringList{clip});
+        // The user, not knowing, tries again: the editor knows this hand-off already.
+        auto retry = launch({clip});
+        QVERIFY(retry->waitForFinished());
+        QCOMPARE(retry->code(), 0);
+        QVERIFY(primary->waitForLog(QStringLiteral("the repeat is ignored")));
+        QCOMPARE(primary->added(), QStringList{clip});
+        // A later hand-off of the same file is a new one.
+        auto later = launch({clip});
+        QVERIFY(later->waitForFinished());
+        QCOMPARE(later->code(), 0);
+        QTRY_COMPARE_WITH_TIMEOUT(primary->added(), (QStringList{clip, clip}), 10000);
+    }
+
+    // kill -9 of the editor while a crowd of launches hands files to it: every launch either
+    // handed its file to the old editor, or has it in the one editor that runs afterwards,
+    // once. None gives up as if the editor were frozen.
+    void editorKilledDuringACrowdOfLaunches()
+    {
+        auto primary = startPrimary();
+        // The line of a launch that handed its file to the old editor ends with its socket name.
+        const QRegularExpression toOldEditor(QStringLiteral("\\+%1\\+[^;+ ]*\\)$").arg(primary->processId()));
+        const int count = 60;
+        std::vector<std::unique_ptr<Editor>> launches;
+        QStringList files;
+        for (int i = 0; i < count; ++i) {
+            files << file(QStringLiteral("crowd %1.mp4").arg(i));
+            launches.push_back(launch({"--quit-after-ready", "60000", files.last()}));
+        }
+        const auto finished = [&] {
+            return int(std::count_if(launches.begin(), launches.end(), [](const auto& e) { return !e->running(); }));
+        };
+        QVERIFY(QTest::qWaitFor([&] { return finished() >= 5; }, 30000));
+        primary->kill();
+        QVERIFY(primary->waitForFinished());
+        QVERIFY(QTest::qWaitFor([&] { return finished() >= count - 1; }, 45000));
+        Editor* next = nullptr;
+        QStringList expected;
+        for (int i = 0; i < count; ++i) {
+            Editor& launched = *launches[i];
+            if (launched.running()) {
+                QVERIFY2(!next, "two editors run");
+                next = &launched;
+                expected << files[i];
+                continue;
+            }
+            QVERIFY2(launched.code() == 0, launched.log().constData());
+            const QStringList handed = KvTest::logged(launched.log(), QStringLiteral("second launch: handed "));
+            QCOMPARE(handed.size(), 1);
+            if (!toOldEditor.match(handed.first()).hasMatch())
+                expected << files[i];
+        }
+        QVERIFY(next);
+        QVERIFY(QTest::qWaitFor([&] { return next->added().size() >= expected.size(); }, 15000));
+        QStringList added = next->added();
+        std::sort(added.begin(), added.end());
+        std::sort(expected.begin(), expected.end());
+        QCOMPARE(added, expected);
+    }
+
+    // A same-user process opens a crowd of connections, greets and idles, with the editor
+    // held to 256 descriptors: the editor closes idle ones (by its own cap, or when accept()
+    // fails with the cap set above the limit) and still takes a second launch's file.
+    void crowdOfIdleConnectionsDoesNotSilenceTheEditor_data()
+    {
+        QTest::addColumn<QString>("maxConnections");
+        QTest::addColumn<QString>("logged");
+        QTest::newRow("the editor's own cap") << QString() << "connections at once; closing the longest idle ones";
+        QTest::newRow("out of descriptors") << "100000" << "cannot accept connections";
+    }
+
+    void crowdOfIdleConnectionsDoesNotSilenceTheEditor()
+    {
+        QFETCH(QString, maxConnections);
+        QFETCH(QString, logged);
+        if (!maxConnections.isEmpty())
+            m_environment.insert(QStringLiteral("KLIPVANE_IPC_MAX_CONNECTIONS"), maxConnections);
+        auto primary = startPrimary({QStringLiteral("prlimit"), QStringLiteral("--nofile=256:256"), QStringLiteral("--")});
+        QVERIFY(primary->running());
+        const QString socket = editorSocket();
+        // A greeting with an empty connection id, as a second launch sends.
+        const QByteArray hello = QByteArray::fromHex("4b564950000103000000000400000000");
+        std::vector<std::unique_ptr<QLocalSocket>> crowd;
+        for (int i = 0; i < 400; ++i) {
+            crowd.push_back(std::make_unique<QLocalSocket>());
+            QLocalSocket* peer = crowd.back().get();
+            QObject::connect(peer, &QLocalSocket::connected, [peer, hello] { peer->write(hello); });
+            peer->connectToServer(socket);
+        }
+        QVERIFY(QTest::qWaitFor([&] {
+            return std::all_of(crowd.begin(), crowd.end(), [](const auto& c) {
+                return c->state() == QLocalSocket::UnconnectedState
+                    || (c->state() == QLocalSocket::ConnectedState && c->bytesToWrite() == 0);
+            });
+        }, 20000));
+
+        const QString clip = file(QStringLiteral("after the crowd.mp4"));
+        auto second = launch({clip});
+        QVERIFY(second->waitForFinished(5000));
+        QCOMPARE(second->code(), 0);
+        QTRY_COMPARE_WITH_TIMEOUT(primary->added(), QStringList{clip}, 5000);
+        QVERIFY2(primary->waitForLog(logged), primary->log().constData());
+        QCOMPARE(primary->log().count(logged.toUtf8()), 1);
+    }
+
+    // Without a runtime folder the sockets go to /tmp, where another user may have taken the
+    // folder's name first. The editor stays single all the same. The editors run in a mount
+    // namespace of their own whose /tmp is empty but for the taken folder, so the machine's
+    // /tmp is left alone; the test's folders are kept out of /tmp for that (in /var/tmp: the
+    // fallback folder is in the home, and socket paths must stay under 108 bytes).
+    void socketFolderTakenByAnotherUser()
+    {
+        if (::getuid() != 0)
+            QSKIP("a mount namespace and a folder of another uid need root; the check runs in CI as root");
+        useHome(std::make_unique<QTemporaryDir>(QStringLiteral("/var/tmp/kvsf-XXXXXX")));
+        QVERIFY(m_home->isValid());
+        m_environment.remove(QStringLiteral("KLIPVANE_IPC_DIR"));
+        m_environment.remove(QStringLiteral("XDG_RUNTIME_DIR"));
+        m_environment.remove(QStringLiteral("TMPDIR"));
+        m_environment.insert(QStringLiteral("HOME"), m_home->filePath(QStringLiteral("home")));
+        const QString taken = QStringLiteral("/tmp/klipvane-ipc-%1").arg(::getuid());
+        const QString privateTmp = QStringLiteral("mount -t tmpfs -o mode=1777 none /tmp && mkdir -m 777 %1 && "
+                                                  "chown 65534:65534 %1 && exec \"$0\" \"$@\"").arg(taken);
+        auto primary = startPrimary({QStringLiteral("unshare"), QStringLiteral("--mount"), QStringLiteral("--propagation"),
+                                     QStringLiteral("private"), QStringLiteral("sh"), QStringLiteral("-c"), privateTmp});
+        QVERIFY2(primary->running(), primary->log().constData());
+        QVERIFY2(!primary->log().contains("Can not start IPC communication"), primary->log().constData());
+
+        const QString clip = file(QStringLiteral("b.mp4"));
+        Editor second(m_environment, m_files,
+                      {QStringLiteral("-t"), QString::number(primary->processId()), QStringLiteral("-m"), QStringLiteral("--"),
+                       KvTest::builtProgram(QStringLiteral("klipvane")), QStringLiteral("--quit-after-ready"),
+                       QStringLiteral("0"), clip},
+                      QStringLiteral("nsenter"));
+        QVERIFY(second.waitForFinished());
+        QCOMPARE(second.code(), 0);
+        QVERIFY2(!second.log().contains("] startup: "), "the second launch became an editor");
+        QTRY_COMPARE_WITH_TIMEOUT(primary->added(), QStringList{clip}, 10000);
     }
 
     void hostilePeersLeaveTheEditorResponsive()

@@ -5,6 +5,7 @@
 #include <QFileInfo>
 #include <QRandomGenerator>
 #include <QStringList>
+#include <QSysInfo>
 
 #include <cerrno>
 #include <cstring>
@@ -42,6 +43,17 @@ std::map<std::string, std::string>& currentIds()
     return *ids;
 }
 
+// The shared temporary folder is writable by everyone, so its predictable name may have been
+// taken first by another user (or be a link planted there). Only a missing entry or a real
+// folder of this user will do.
+bool mayUseSharedFolder(const QString& dir)
+{
+    struct stat st;
+    if (::lstat(QFile::encodeName(dir).constData(), &st) != 0)
+        return errno == ENOENT;
+    return S_ISDIR(st.st_mode) && st.st_uid == ::getuid();
+}
+
 } // namespace
 
 QString AppManager::SocketDirectory()
@@ -52,12 +64,19 @@ QString AppManager::SocketDirectory()
     const QString runtime = qEnvironmentVariable("XDG_RUNTIME_DIR");
     if (!runtime.isEmpty())
         return QDir::cleanPath(runtime) + QStringLiteral("/klipvane-ipc");
-    return QStringLiteral("/tmp/klipvane-ipc-%1").arg(::getuid());
+    const QString shared = QDir::cleanPath(QDir::tempPath()) + QStringLiteral("/klipvane-ipc-%1").arg(::getuid());
+    if (mayUseSharedFolder(shared))
+        return shared;
+    // Every launch of this user makes the same choice, so the editor stays single. The host
+    // name keeps machines sharing a home over the network apart.
+    return QDir::cleanPath(QDir::homePath()) + QStringLiteral("/.cache/klipvane-ipc-")
+        + QSysInfo::machineHostName().replace(QLatin1Char('/'), QLatin1Char('_'));
 }
 
-bool AppManager::EnsureSocketDirectory(QString* error)
+namespace {
+
+bool ensurePrivateDirectory(const QString& dir, QString* error)
 {
-    const QString dir = SocketDirectory();
     const QByteArray path = QFile::encodeName(dir);
     if (::mkdir(path.constData(), 0700) != 0 && errno != EEXIST) {
         // The parent may be missing (a fresh runtime folder): create it, then ours privately.
@@ -85,6 +104,19 @@ bool AppManager::EnsureSocketDirectory(QString* error)
         return false;
     }
     return true;
+}
+
+} // namespace
+
+bool AppManager::EnsureSocketDirectory(QString* error)
+{
+    const QString dir = SocketDirectory();
+    if (ensurePrivateDirectory(dir, error))
+        return true;
+    // Another user may have taken the shared name between the look and the mkdir; the
+    // choice then falls on the private folder.
+    const QString again = SocketDirectory();
+    return again != dir && ensurePrivateDirectory(again, error);
 }
 
 std::string AppManager::MakeConnectId(const std::string& productId, const std::string& appId)

@@ -15,7 +15,9 @@ namespace App {
 class AppManager
 {
 public:
-    // KLIPVANE_IPC_DIR, else $XDG_RUNTIME_DIR/klipvane-ipc, else /tmp/klipvane-ipc-<uid>.
+    // KLIPVANE_IPC_DIR, else $XDG_RUNTIME_DIR/klipvane-ipc, else <temp>/klipvane-ipc-<uid>
+    // (<temp> is $TMPDIR or /tmp) unless that name is taken by something that is not this
+    // user's own folder, and then ~/.cache/klipvane-ipc-<host>, which nobody else can create.
     static QString SocketDirectory();
     // Creates the directory private to the user (0700) or checks an existing one: it must be
     // a real directory owned by this user; group and other permissions are removed.

@@ -54,7 +54,8 @@ public:
     bool IsStarted() const override { return m_process && m_process->state() != QProcess::NotRunning; }
     qint64 GetPid() const override { return m_process ? m_process->processId() : 0; }
 
-    bool Start(const QString& parentConnectId, std::function<void()> started, std::function<void()> failed) override
+    bool Start(const QString& parentConnectId, std::function<void()> started, std::function<void()> failed,
+               std::function<void()> ended) override
     {
         if (IsStarted())
             return true;
@@ -74,9 +75,11 @@ public:
                 failed();
         });
         QObject::connect(m_process, qOverload<int, QProcess::ExitStatus>(&QProcess::finished),
-                         [id](int code, QProcess::ExitStatus status) {
+                         [id, ended](int code, QProcess::ExitStatus status) {
                              LOG(INFO) << "Application \"" << id.toStdString() << "\" ended"
                                        << (status == QProcess::CrashExit ? " (crashed)" : "") << " with status " << code;
+                             if (ended)
+                                 ended();
                          });
         m_process->start();
         return true;
@@ -109,7 +112,8 @@ public:
     bool IsStarted() const override { return AppManager::IsProcessAlive(m_pid); }
     qint64 GetPid() const override { return m_pid; }
 
-    bool Start(const QString& parentConnectId, std::function<void()> started, std::function<void()> failed) override
+    bool Start(const QString& parentConnectId, std::function<void()> started, std::function<void()> failed,
+               std::function<void()>) override
     {
         if (IsStarted())
             return true;

@@ -23,8 +23,11 @@ public:
     virtual bool IsStarted() const = 0;
     // Starts the program with the registry's arguments followed by the caller's. The
     // callbacks run on the calling thread: `started` once the process runs, `failed` when
-    // it could not be started. Returns false when it failed synchronously.
-    virtual bool Start(const QString& parentConnectId, std::function<void()> started, std::function<void()> failed) = 0;
+    // it could not be started, `ended` when a process started this way has ended (only a
+    // child process is watched; a detached one never reports it). Returns false when it
+    // failed synchronously.
+    virtual bool Start(const QString& parentConnectId, std::function<void()> started, std::function<void()> failed,
+                       std::function<void()> ended) = 0;
     virtual qint64 GetPid() const = 0;
 };
 

@@ -21,6 +21,8 @@ const char* describe(DeliveryResult result)
         return "no recipient";
     case DeliveryResult::NoAnswer:
         return "no answer";
+    case DeliveryResult::Lost:
+        return "connection lost";
     }
     return "?";
 }
@@ -34,7 +36,8 @@ DeliveryResult SendCallAndWait(const UniqueIPC::Call& call, int timeoutMs, QStri
     const QStringList entries = QDir(directory).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot);
 
     UniqueIPC::Call numbered = call;
-    numbered.serial = 1;
+    if (numbered.serial == 0)
+        numbered.serial = 1;
     const std::string frames = UniqueIPC::encodeHello(std::string()) + UniqueIPC::encodeCall(numbered);
 
     for (const QString& entry : entries) {
@@ -75,10 +78,14 @@ DeliveryResult SendCallAndWait(const UniqueIPC::Call& call, int timeoutMs, QStri
             }
             break;
         }
+        // A recipient that closed the connection (or died) is not frozen: the caller may
+        // find another one, or become the recipient itself.
+        const bool lost = socket.state() != QLocalSocket::ConnectedState || !socket.isValid();
         if (detail)
-            *detail += QStringLiteral("%1 did not answer").arg(entry);
+            *detail += lost ? QStringLiteral("%1 closed the connection").arg(entry)
+                            : QStringLiteral("%1 did not answer").arg(entry);
         socket.abort();
-        return DeliveryResult::NoAnswer;
+        return lost ? DeliveryResult::Lost : DeliveryResult::NoAnswer;
     }
     return DeliveryResult::NoRecipient;
 }

@@ -1,8 +1,11 @@
 #include "App/IPCPlatformController.h"
 
+#include "App/AppManager.h"
 #include "App/IPCPlatformProtocol.h"
 
 #include <glog/logging.h>
+
+#include <atomic>
 
 namespace Tavrin {
 namespace App {
@@ -46,7 +49,28 @@ void IPCPlatformController::RunApplication(const std::shared_ptr<IApplicationPro
         return;
     }
     const QString parent = m_protocol ? QString::fromStdString(m_protocol->GetConnectId()) : QString();
-    process->Start(parent, std::move(started), std::move(failed));
+    // An application that ends without ever connecting has not really started (a broken
+    // program, a missing library): its quitting is never announced over a link, so the
+    // caller hears of it as a failure instead, and whatever it did on `started` is undone.
+    auto connected = std::make_shared<std::atomic_bool>(false);
+    auto watch = std::make_shared<QMetaObject::Connection>();
+    if (m_protocol) {
+        const std::string appId = process->GetAppId().toStdString();
+        *watch = QObject::connect(m_protocol.get(), &IPCBaseProtocol::OnNewApplication,
+                                  [connected, appId](const QString& connectId) {
+                                      if (AppManager::IsValidAppId(appId, connectId.toStdString()))
+                                          *connected = true;
+                                  });
+    }
+    auto ended = [connected, watch, failed, id = process->GetAppId()] {
+        QObject::disconnect(*watch);
+        if (*connected)
+            return;  // its quitting arrives as OnApplicationQuit
+        LOG(WARNING) << "Application \"" << id.toStdString() << "\" ended without connecting";
+        if (failed)
+            failed();
+    };
+    process->Start(parent, std::move(started), failed, std::move(ended));
 }
 
 void IPCPlatformController::ImportFromFileStorage(qint64 storageId)

@@ -27,7 +27,7 @@ public:
     bool IsApplicationConnected(const std::string& appId) const;
 
     // Launches `process`. `started` runs once it is running, `failed` when it cannot be
-    // started. `skip` is asked first: when it answers true the launch is abandoned and
+    // started, or when a child process ends without having connected. `skip` is asked first: when it answers true the launch is abandoned and
     // neither callback runs (a caller that learns the application appeared meanwhile).
     void RunApplication(const std::shared_ptr<IApplicationProcess>& process, std::function<void()> started,
                         std::function<void()> failed, std::function<bool()> skip);

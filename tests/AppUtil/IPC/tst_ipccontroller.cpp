@@ -202,6 +202,29 @@ private slots:
         QVERIFY(c.isAlone(IPC::Controller::SameProduct));
     }
 
+    // A capture program that ends at once, before it ever connects, has failed to start: the
+    // window that stepped aside for it comes back and the capture can be started again.
+    void companionEndingBeforeConnectingHasFailed()
+    {
+        QFile registry(m_env->path(QStringLiteral("ends-at-once.json")));
+        QVERIFY(registry.open(QIODevice::WriteOnly));
+        registry.write(QStringLiteral(R"({"applications": [{"id": "screencapture", "productId": "x", "executable": "%1"}]})")
+                           .arg(QStandardPaths::findExecutable(QStringLiteral("true")))
+                           .toUtf8());
+        registry.close();
+        qputenv("KLIPVANE_APP_REGISTRY", QFile::encodeName(registry.fileName()));
+        IPC::Controller::destroy();
+        IPC::Controller::init(m_provider.get(), QStringLiteral("klipvane"));
+        IPC::Controller& c = IPC::Controller::instance();
+        c.waitForInitialize();
+        KvTest::LogCapture log;
+        c.runScreenCapture();
+        QVERIFY(!c.canStartScreenCapture());
+        QVERIFY2(log.waitFor(QStringLiteral("E Can't run screencapture"), 10000), qPrintable(log.lines().join('\n')));
+        QCOMPARE(m_log, (QStringList{"HideMainWindow", "ShowMainWindow"}));
+        QVERIFY(c.canStartScreenCapture());
+    }
+
     // Last: the controller starts again with a registry whose capture program is missing and
     // an IPC folder that is a plain file.
     void brokenSetUpIsLogged()

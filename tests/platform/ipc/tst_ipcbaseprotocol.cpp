@@ -6,7 +6,7 @@
 #include <App/IPCBaseProtocol.h>
 
 #include <QLocalSocket>
-#include <QSignalSpy>
+#include <QtEndian>
 #include <QtTest>
 
 #include <sys/socket.h>
@@ -20,6 +20,8 @@ using namespace Tavrin;
 namespace {
 
 const UniqueIPC::ApiVersion kVersion{1, 0, 0, 0, std::string()};
+constexpr int kStallMs = 300;
+constexpr int kIdleMs = 600;
 
 struct AcceptingInvoker : UniqueIPC::IInvoker
 {
@@ -62,7 +64,9 @@ class tst_IPCBaseProtocol : public QObject
 private slots:
     void initTestCase()
     {
-        qputenv("KLIPVANE_IPC_STALL_MS", "300");
+        qputenv("KLIPVANE_IPC_STALL_MS", QByteArray::number(kStallMs));
+        qputenv("KLIPVANE_IPC_IDLE_MS", QByteArray::number(kIdleMs));
+        qputenv("KLIPVANE_IPC_MAX_BUFFERED", "1");  // raised to what one frame of the largest size needs
         m_protocol = std::make_unique<App::IPCBaseProtocol>("editor", "klipvane", kVersion);
         m_protocol->GetInvokers().Register("Ping", {}, kVersion, std::make_shared<AcceptingInvoker>());
         m_protocol->StartCommunication();
@@ -76,11 +80,15 @@ private slots:
 
     void crashOfAPeerGivesTheQuitNotice()
     {
-        QSignalSpy joined(m_protocol.get(), &App::IPCBaseProtocol::OnNewApplication);
-        QSignalSpy quit(m_protocol.get(), &App::IPCBaseProtocol::OnApplicationQuit);
+        KvTest::QueuedSpy joined(m_protocol.get(), &App::IPCBaseProtocol::OnNewApplication);
+        KvTest::QueuedSpy quit(m_protocol.get(), &App::IPCBaseProtocol::OnApplicationQuit);
         KvTest::Child companion;
         companion.start(KvTest::binDir() + QStringLiteral("/kvcompanion"), {QStringLiteral("--app-id"), QStringLiteral("screencapture")});
         QVERIFY(QTest::qWaitFor([&] { return m_protocol->IsApplicationConnected("screencapture"); }, 10000));
+        QTRY_VERIFY_WITH_TIMEOUT(!joined.isEmpty(), 5000);
+        // A running application's link is not an idle connection, however quiet it is.
+        QTest::qWait(2 * kIdleMs);
+        QVERIFY(m_protocol->IsApplicationConnected("screencapture"));
         const QString id = joined.last().first().toString();
         companion.killHard();
         QTRY_VERIFY_WITH_TIMEOUT(!quit.isEmpty(), 5000);
@@ -118,6 +126,8 @@ private slots:
         QTest::newRow("truncated, then silence") << QByteArray::fromStdString(UniqueIPC::encodeCall(ping("editor"))).left(20)
                                                  << "stalled in the middle of a frame";
         QTest::newRow("connects, says nothing") << QByteArray() << "sent no greeting";
+        QTest::newRow("greets, then idles") << QByteArray::fromStdString(UniqueIPC::encodeHello(std::string()))
+                                            << QString("idle for %1 ms").arg(kIdleMs);
     }
 
     void hostilePeersAreDropped()
@@ -136,11 +146,57 @@ private slots:
         QVERIFY2(log.waitFor(logged), qPrintable(log.lines().join(QLatin1Char('\n'))));
     }
 
+    // A call written a few bytes at a time, each piece within the stall time but the whole
+    // taking several times as long, is still answered.
+    void slowWriterIsNotDropped()
+    {
+        const QByteArray frames = QByteArray::fromStdString(UniqueIPC::encodeHello(std::string())
+                                                            + UniqueIPC::encodeCall(ping("editor")));
+        QLocalSocket slow;
+        slow.connectToServer(m_protocol->SocketPath());
+        QVERIFY(slow.waitForConnected(3000));
+        const int pieces = 8;
+        const int piece = (frames.size() + pieces - 1) / pieces;
+        for (int offset = 0; offset < frames.size(); offset += piece) {
+            slow.write(frames.mid(offset, piece));
+            QVERIFY(slow.waitForBytesWritten(3000));
+            QTest::qWait(kStallMs / 2);
+        }
+        QVERIFY(QTest::qWaitFor([&] { return slow.bytesAvailable() >= qint64(UniqueIPC::kHeaderSize) + 5; }, 3000));
+        UniqueIPC::Frame reply;
+        std::string error;
+        const QByteArray answer = slow.readAll();
+        QVERIFY2(UniqueIPC::decodeFrame(answer.constData(), std::size_t(answer.size()), reply, error), error.c_str());
+        QCOMPARE(int(reply.status), int(UniqueIPC::ReplyStatus::Handled));
+    }
+
+    // Half-sent large frames from several connections: each is within the per-frame limit,
+    // together they pass the limit on buffered bytes (4 MiB here), so some are dropped before
+    // they stall, and the application keeps answering.
+    void incompleteFramesAreBoundedTogether()
+    {
+        KvTest::LogCapture log;
+        const std::size_t sent = 1536u * 1024u;
+        std::vector<std::unique_ptr<QLocalSocket>> peers;
+        for (int i = 0; i < 4; ++i) {
+            auto peer = std::make_unique<QLocalSocket>();
+            peer->connectToServer(m_protocol->SocketPath());
+            QVERIFY(peer->waitForConnected(3000));
+            QByteArray frame = QByteArray::fromHex("4b56495000010100") + QByteArray(4, '\0');
+            qToBigEndian<quint32>(quint32(UniqueIPC::kMaxBodySize), frame.data() + 8);
+            peer->write(frame + QByteArray(int(sent) + i, 'x'));
+            peers.push_back(std::move(peer));
+        }
+        QVERIFY2(log.waitFor(QStringLiteral("incomplete frames of all connections exceed")),
+                 qPrintable(log.lines().join('\n')));
+        QCOMPARE(App::SendCallAndWait(ping("editor"), 3000), App::DeliveryResult::Delivered);
+    }
+
     void anotherUserIsRefused()
     {
         if (::getuid() != 0)
             QSKIP("switching to another uid needs root; the check runs in CI as root");
-        QSignalSpy refused(m_protocol.get(), &App::IPCBaseProtocol::PeerRefused);
+        KvTest::QueuedSpy refused(m_protocol.get(), &App::IPCBaseProtocol::PeerRefused);
         const QString dir = m_env.ipcDir();
         const QString root = QFileInfo(dir).absolutePath();
         // Open the folders and socket for the test only, so that the peer uid check is what refuses.
