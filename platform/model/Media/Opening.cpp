@@ -46,6 +46,9 @@ std::atomic<bool> readerLoaded{false};
 struct ReaderModule
 {
     Reader::IMediaReader* reader = nullptr;
+    // Never unloaded: worker threads may still be inside it when the process ends. Held here
+    // so that it stays reachable, not leaked.
+    QLibrary* library = nullptr;
     std::string problem;
 };
 
@@ -55,8 +58,7 @@ ReaderModule& readerModule()
     static std::once_flag once;
     std::call_once(once, [] {
         const QString path = mediaReaderPath();
-        // Never unloaded: worker threads may still be inside it when the process ends.
-        auto* library = new QLibrary(path);
+        QLibrary* library = module.library = new QLibrary(path);
         auto create = reinterpret_cast<Reader::CreateFunction>(library->resolve(Reader::CreateFunctionName));
         if (!create) {
             module.problem = "The media reader module could not be loaded: " + library->errorString().toStdString();

@@ -4,12 +4,12 @@
 
 #include "FakeCustomization.h"
 #include "IpcTestSupport.h"
+#include "QueuedSpy.h"
 
 #include <IPCProtocol.h>
 
 #include <App/Delivery.h>
 
-#include <QSignalSpy>
 #include <QtTest>
 
 class tst_IPCProtocol : public QObject
@@ -37,9 +37,9 @@ private slots:
         editor.StartCommunication();
         installer.StartCommunication();
         QTRY_VERIFY_WITH_TIMEOUT(installer.IsApplicationConnected("klipvane"), 5000);
-        QSignalSpy project(&editor, &IPC::Protocol::onOpenProject);
-        QSignalSpy install(&editor, &IPC::Protocol::onPackageInstall);
-        QSignalSpy files(&editor, &IPC::Protocol::onAddFiles);
+        KvTest::QueuedSpy project(&editor, &IPC::Protocol::onOpenProject);
+        KvTest::QueuedSpy install(&editor, &IPC::Protocol::onPackageInstall);
+        KvTest::QueuedSpy files(&editor, &IPC::Protocol::onAddFiles);
 
         installer.sendOpenProject(QStringLiteral("/home/zoë/Mein Projekt.kvproj"));
         installer.sendPackageInstalled(QStringLiteral("Ünïcode"), QStringLiteral("1.0"), QStringLiteral("/opt/x y"),

@@ -1,12 +1,12 @@
 // The base layer between real processes: sockets, crashes, stale files, hostile peers.
 
 #include "IpcTestSupport.h"
+#include "QueuedSpy.h"
 
 #include <App/Delivery.h>
 #include <App/IPCBaseProtocol.h>
 
 #include <QLocalSocket>
-#include <QSignalSpy>
 #include <QtTest>
 
 #include <sys/socket.h>
@@ -76,11 +76,11 @@ private slots:
 
     void crashOfAPeerGivesTheQuitNotice()
     {
-        QSignalSpy joined(m_protocol.get(), &App::IPCBaseProtocol::OnNewApplication);
-        QSignalSpy quit(m_protocol.get(), &App::IPCBaseProtocol::OnApplicationQuit);
+        KvTest::QueuedSpy joined(m_protocol.get(), &App::IPCBaseProtocol::OnNewApplication);
+        KvTest::QueuedSpy quit(m_protocol.get(), &App::IPCBaseProtocol::OnApplicationQuit);
         KvTest::Child companion;
         companion.start(KvTest::binDir() + QStringLiteral("/kvcompanion"), {QStringLiteral("--app-id"), QStringLiteral("screencapture")});
-        QVERIFY(QTest::qWaitFor([&] { return m_protocol->IsApplicationConnected("screencapture"); }, 10000));
+        QVERIFY(QTest::qWaitFor([&] { return m_protocol->IsApplicationConnected("screencapture") && !joined.isEmpty(); }, 10000));
         const QString id = joined.last().first().toString();
         companion.killHard();
         QTRY_VERIFY_WITH_TIMEOUT(!quit.isEmpty(), 5000);
@@ -140,7 +140,7 @@ private slots:
     {
         if (::getuid() != 0)
             QSKIP("switching to another uid needs root; the check runs in CI as root");
-        QSignalSpy refused(m_protocol.get(), &App::IPCBaseProtocol::PeerRefused);
+        KvTest::QueuedSpy refused(m_protocol.get(), &App::IPCBaseProtocol::PeerRefused);
         const QString dir = m_env.ipcDir();
         const QString root = QFileInfo(dir).absolutePath();
         // Open the folders and socket for the test only, so that the peer uid check is what refuses.
