@@ -20,7 +20,7 @@ private slots:
         host.setProcessChannelMode(QProcess::ForwardedErrorChannel);
         host.start(KvTest::builtProgram(QStringLiteral("klipvane")),
                    {QStringLiteral("--locale"), QStringLiteral("de_DE"), QStringLiteral("--dialog-gallery"), out.path()});
-        if (!host.waitForFinished(30000)) {
+        if (!host.waitForFinished(60000)) {
             host.kill();
             QFAIL("the gallery did not finish");
         }
