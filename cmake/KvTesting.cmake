@@ -12,6 +12,10 @@ function(kv_add_test name)
     if(NOT T_TIMEOUT)
         set(T_TIMEOUT 120)
     endif()
+    if(KV_SANITIZE)
+        # Instrumented code runs several times slower; the limits are for hangs, not speed.
+        math(EXPR T_TIMEOUT "${T_TIMEOUT} * 3")
+    endif()
     set_tests_properties(${name} PROPERTIES
         TIMEOUT ${T_TIMEOUT}
         ENVIRONMENT "QT_QPA_PLATFORM=offscreen;KLIPVANE_TEST_BIN_DIR=${CMAKE_RUNTIME_OUTPUT_DIRECTORY};KLIPVANE_SOURCE_DIR=${PROJECT_SOURCE_DIR}")

@@ -28,7 +28,9 @@ if [ -n "$missing" ]; then
 fi
 
 export CCACHE_BASEDIR="$ROOT"
+# Arguments are extra configure options, used when the build folder is first configured
+# (scripts/test-sanitizers.sh passes its sanitizer build's).
 if [ ! -f "$BUILD/build.ninja" ]; then
-    cmake -S "$ROOT" -B "$BUILD" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo
+    cmake -S "$ROOT" -B "$BUILD" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo "$@"
 fi
 cmake --build "$BUILD"

@@ -28,7 +28,7 @@ private slots:
         QProcess host;
         host.start(KvTest::builtProgram(QStringLiteral("klipvane")),
                    {QStringLiteral("--locale"), locale, QStringLiteral("--dialog-gallery"), out.path()});
-        if (!host.waitForFinished(30000)) {
+        if (!host.waitForFinished(60000)) {
             host.kill();
             QFAIL("the gallery did not finish");
         }

@@ -2,6 +2,8 @@
 
 // Fixtures for tests that run several real processes over the inter-process layer.
 
+#include "QueuedSpy.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QProcess>
@@ -94,22 +96,6 @@ public:
 private:
     QProcess m_process;
     QByteArray m_output;
-};
-
-// A QSignalSpy for signals emitted on the IPC thread. QSignalSpy records on the emitting
-// thread, so reading it from the test's thread races with the recording; this one records
-// through a queued connection, on the test's thread only (the test's event loop must run,
-// as QTRY_* and QTest::qWaitFor do). Reads like QSignalSpy: a list of argument lists.
-class QueuedSpy : public QObject, public QList<QVariantList>
-{
-public:
-    template <class Sender, class... Args>
-    QueuedSpy(const Sender* sender, void (Sender::*signal)(Args...))
-    {
-        QObject::connect(sender, signal, this, [this](Args... arguments) {
-            append(QVariantList{QVariant::fromValue(std::decay_t<Args>(arguments))...});
-        }, Qt::QueuedConnection);
-    }
 };
 
 // Collects what glog writes while it is alive.

@@ -96,6 +96,10 @@ private:
         if (m_process->state() == QProcess::NotRunning) {
             delete m_process;
         } else {
+            // Held by an object that is never destroyed, so that a child still running when this
+            // process ends is neither killed (as deleting its QProcess would) nor leaked.
+            static QObject* const stillRunning = new QObject;
+            m_process->setParent(stillRunning);
             QObject::connect(m_process, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), m_process,
                              &QObject::deleteLater);
         }

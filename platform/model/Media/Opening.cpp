@@ -48,10 +48,10 @@ std::atomic<bool> readerLoaded{false};
 
 struct ReaderModule
 {
-    // Never deleted nor unloaded: a reader may still be in use while the process ends. Kept
-    // here, it stays reachable (the leak checker then knows it is meant).
-    QLibrary* library = nullptr;
     Reader::IMediaReader* reader = nullptr;
+    // Never unloaded: worker threads may still be inside it when the process ends. Held here
+    // so that it stays reachable, not leaked.
+    QLibrary* library = nullptr;
     std::string problem;
 };
 
@@ -61,8 +61,7 @@ ReaderModule& readerModule()
     static std::once_flag once;
     std::call_once(once, [] {
         const QString path = mediaReaderPath();
-        module.library = new QLibrary(path);
-        QLibrary* library = module.library;
+        QLibrary* library = module.library = new QLibrary(path);
         auto create = reinterpret_cast<Reader::CreateFunction>(library->resolve(Reader::CreateFunctionName));
         if (!create) {
             module.problem = "The media reader module could not be loaded: " + library->errorString().toStdString();

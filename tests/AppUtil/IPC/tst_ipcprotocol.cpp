@@ -4,12 +4,12 @@
 
 #include "FakeCustomization.h"
 #include "IpcTestSupport.h"
+#include "QueuedSpy.h"
 
 #include <IPCProtocol.h>
 
 #include <App/Delivery.h>
 
-#include <QSignalSpy>
 #include <QtTest>
 
 class tst_IPCProtocol : public QObject

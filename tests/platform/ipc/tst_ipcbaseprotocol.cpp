@@ -1,6 +1,7 @@
 // The base layer between real processes: sockets, crashes, stale files, hostile peers.
 
 #include "IpcTestSupport.h"
+#include "QueuedSpy.h"
 
 #include <App/Delivery.h>
 #include <App/IPCBaseProtocol.h>
