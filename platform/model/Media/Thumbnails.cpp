@@ -220,7 +220,12 @@ QImage Thumbnails::request(const QString& path, int size)
             return;
         yieldToForeground();
         const Thumbnail thumbnail = makeThumbnail(path, size);
-        QMetaObject::invokeMethod(this, [this, thumbnail] { deliver(thumbnail); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(this, [this, thumbnail, withdrawn] {
+            // Withdrawn while it was being made: the caller no longer wants it, and a newer
+            // request for the same key may be pending under its own flag.
+            if (!*withdrawn)
+                deliver(thumbnail);
+        }, Qt::QueuedConnection);
     }), ++d->newest);
     return QImage();
 }

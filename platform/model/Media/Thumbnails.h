@@ -59,7 +59,8 @@ public:
     // image, and the picture is looked for in the shared cache or made: finished() follows,
     // then ready() or failed(). Asking again while it is on its way does nothing more.
     QImage request(const QString& path, int size = Normal);
-    // Drops the requests for `path` that no worker has started yet (an item left the view).
+    // Withdraws the requests for `path` (an item left the view): one not started is never
+    // made, one being made is not delivered.
     void cancel(const QString& path);
     // Forgets the pictures and the failure of `path` held in memory (the file changed or
     // came back), so the next request looks again.

@@ -272,7 +272,7 @@ private slots:
         for (const QString& path : qAsConst(paths))
             QVERIFY(service.request(path).isNull());
         QCOMPARE(service.pendingCount(), 40);
-        service.cancel(paths.first()); // the oldest: no worker reached it yet
+        service.cancel(paths.first()); // withdrawn, even if a worker already has it
         int turns = 0;
         int pendingAtFirstTurn = -1;
         QTimer ticker;
