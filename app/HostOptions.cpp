@@ -11,6 +11,9 @@ HostOptions HostOptions::take(QStringList& arguments)
         {QStringLiteral("--quit-after-ready"), [&](const QString& v) { options.quitAfterReadyMs = v.toInt(); }},
         {QStringLiteral("--dialog-gallery"), [&](const QString& v) { options.dialogGalleryDir = v; }},
         {QStringLiteral("--locale"), [&](const QString& v) { options.locale = v; }},
+        {QStringLiteral("--find-missing"), [&](const QString& v) { options.findMissingList = v; }},
+        {QStringLiteral("--search-folder"), [&](const QString& v) { options.searchFolder = v; }},
+        {QStringLiteral("--show-file"), [&](const QString& v) { options.showFile = v; }},
     };
     QStringList kept;
     for (int i = 0; i < arguments.size(); ++i) {

@@ -11,6 +11,9 @@ struct HostOptions
     int quitAfterReadyMs = -1;  // --quit-after-ready <ms>: quit that long after the ready notification
     QString dialogGalleryDir;   // --dialog-gallery <folder>: render every standard dialog and exit
     QString locale;             // --locale <code>: user-interface locale, e.g. de_DE
+    QString findMissingList;    // --find-missing <list>: the missing-files dialog for the paths listed (one a line)
+    QString searchFolder;       // --search-folder <folder>: ...with the search of this folder started at once
+    QString showFile;           // --show-file <path>: reveal the file in the file manager once ready
 
     // Removes the host options from `arguments` (element 0 is the program) and returns them.
     static HostOptions take(QStringList& arguments);

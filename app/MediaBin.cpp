@@ -1,5 +1,7 @@
 #include "MediaBin.h"
 
+#include <FileDialog.h>
+
 #include <Dialog/DialogStrategy.h>
 #include <ErrorDescription.h>
 
@@ -189,11 +191,15 @@ void MediaBin::showContextMenu(const QPoint& position)
     info->setEnabled(file && file->isOpened());
     QAction* remove = menu.addAction(tr("Remove from project"));
     remove->setObjectName(QStringLiteral("removeFileAction"));
+    QAction* reveal = menu.addAction(tr("Show in File Manager"));
+    reveal->setObjectName(QStringLiteral("showFileAction"));
     QAction* chosen = menu.exec(m_bin->viewport()->mapToGlobal(position));
     if (chosen == info)
         showFileInfo(item);
     else if (chosen == remove)
         removeItem(item);
+    else if (chosen == reveal)
+        FileDialog::showFile(file ? file->filePath() : item->data(Qt::UserRole).toString());
 }
 
 void MediaBin::showFileInfo(QListWidgetItem* item)
