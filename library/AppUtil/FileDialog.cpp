@@ -181,6 +181,18 @@ QStringList openMedia(int kind, bool multiple)
     return postProcess(chosen);
 }
 
+// "Open Folder" in the remembered folder (else the standard one); remembers the choice and
+// returns it as an absolute path.
+QString openFolder(const KindFolder& folder)
+{
+    const QString chosen = chooseFolder(QObject::tr("Open Folder"), orStandard(folder.get(), folder.standard()));
+    if (chosen.isEmpty())
+        return {};
+    const QString absolute = QFileInfo(chosen).absoluteFilePath();
+    folder.set(absolute);
+    return absolute;
+}
+
 QString projectFilter(const QString& patterns)
 {
     return QObject::tr("Project files (%1)").arg(patterns);
@@ -217,23 +229,16 @@ QStringList openAddFilesAndDirectoriesDialog()
 
 QStringList openDirectory()
 {
-    const QString folder = chooseFolder(QObject::tr("Open Folder"),
-                                        orStandard(Settings::lastAddDirectoryPath(), FileUtil::moviesLocation()));
-    if (folder.isEmpty())
-        return {};
-    const QString absolute = QFileInfo(folder).absoluteFilePath();
-    Settings::setLastAddDirectoryPath(absolute);
-    return FileUtil::parseDirectory(absolute, true);
+    const QString folder = openFolder({Settings::lastAddDirectoryPath, Settings::setLastAddDirectoryPath, FileUtil::moviesLocation});
+    return folder.isEmpty() ? QStringList() : FileUtil::parseDirectory(folder, true);
 }
 
 QStringList openDirectoryAllImages()
 {
-    const QString folder = chooseFolder(QObject::tr("Open Folder"),
-                                        orStandard(Settings::lastAddImageDirectoryPath(), FileUtil::picturesLocation()));
-    if (folder.isEmpty())
+    const QString absolute = openFolder(
+        {Settings::lastAddImageDirectoryPath, Settings::setLastAddImageDirectoryPath, FileUtil::picturesLocation});
+    if (absolute.isEmpty())
         return {};
-    const QString absolute = QFileInfo(folder).absoluteFilePath();
-    Settings::setLastAddImageDirectoryPath(absolute);
     QSet<QString> images;
     for (const QString& extension : Tavrin::Conf::GetSupportedFormatExtensions(IFormatFile::GROUP_ALL_IMAGES))
         images.insert(extension.toLower());

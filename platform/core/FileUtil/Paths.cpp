@@ -85,10 +85,15 @@ QString picturesLocation()
     return standardFolder(QStandardPaths::PicturesLocation);
 }
 
+QString documentsLocation()
+{
+    return standardFolder(QStandardPaths::DocumentsLocation);
+}
+
 QString lastProjectDirectory()
 {
     const QString folder = Settings::value(LastProjectDirectoryKey).toString();
-    return folder.isEmpty() ? standardFolder(QStandardPaths::DocumentsLocation) : folder;
+    return folder.isEmpty() ? documentsLocation() : folder;
 }
 
 void setLastProjectDirectory(const QString& folder)

@@ -28,6 +28,7 @@ namespace FileUtil {
 QString moviesLocation();
 QString musicLocation();
 QString picturesLocation();
+QString documentsLocation();
 
 // The folder projects were last opened from or saved to (settings), else the documents folder.
 QString lastProjectDirectory();

@@ -2,8 +2,8 @@
 
 #include "Settings/Settings.h"
 
-#include <QDir>
-#include <QStandardPaths>
+#include "FileUtil/Paths.h"
+
 
 namespace Settings {
 namespace {
@@ -16,12 +16,6 @@ QString folder(const char* key)
 void setFolder(const char* key, const QString& folder)
 {
     setValue(QStringLiteral("FileDialog/") + QLatin1String(key), folder);
-}
-
-QString standardFolder(QStandardPaths::StandardLocation location)
-{
-    const QString folder = QStandardPaths::writableLocation(location);
-    return folder.isEmpty() ? QDir::homePath() : folder;
 }
 
 } // namespace
@@ -49,13 +43,13 @@ void setUserLutsSearchPath(const QString& f) { setFolder("userLutsSearchPath", f
 
 QString defaultUserLutsSearchPath()
 {
-    return standardFolder(QStandardPaths::DocumentsLocation) + QStringLiteral("/Klipvane/LUTs");
+    return FileUtil::documentsLocation() + QStringLiteral("/Klipvane/LUTs");
 }
 
 QString snapshotPath()
 {
     const QString snapshots = folder("snapshotPath");
-    return snapshots.isEmpty() ? standardFolder(QStandardPaths::PicturesLocation) + QStringLiteral("/Snapshots") : snapshots;
+    return snapshots.isEmpty() ? FileUtil::picturesLocation() + QStringLiteral("/Snapshots") : snapshots;
 }
 
 void setSnapshotPath(const QString& f) { setFolder("snapshotPath", f); }
