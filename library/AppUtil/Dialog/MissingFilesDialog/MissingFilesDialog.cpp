@@ -29,7 +29,12 @@ namespace {
 class FindFilesExecutor : public Task::IExecutor
 {
 public:
-    FindFilesExecutor(const QString& folder, const QSet<QString>& pending) : m_folder(folder), m_pending(pending) {}
+    // A task cancelled before it started never runs: its result must still say that
+    // everything it was given is missing.
+    FindFilesExecutor(const QString& folder, const QSet<QString>& pending) : m_folder(folder), m_pending(pending)
+    {
+        m_result.remaining = pending;
+    }
 
     void run(Task::Progress& progress) override { m_result = MissingFiles::search(m_folder, m_pending, &progress); }
 
