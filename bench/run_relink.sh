@@ -9,7 +9,7 @@
 #   find ROOT ( -name N1 -o ... )          GNU find, the same
 # The absent name makes every tool walk the whole tree. Prints wall-clock and CPU (user+sys)
 # means and the ratios kvrelink/bfs and kvrelink/find. Goals: <= 1 against bfs, <= 0.5 against
-# find. Then the missing-files dialog on the same tree: the longest GUI stall during a full
+# find. Then the walk alone (one absent name per tool; RELINK_WALK_ONLY=0 skips it), and the missing-files dialog on the same tree: the longest GUI stall during a full
 # search and the time from Cancel Search to idle (bench_relink dialog).
 set -eu
 here=$(cd "$(dirname "$0")" && pwd)
@@ -60,6 +60,20 @@ while [ $# -ge 2 ]; do
             printf "\nkvrelink/bfs: wall %.3f, min %.3f, cpu %.3f (goal <= 1)\n", wall["kvrelink"] / wall["bfs"], min["kvrelink"] / min["bfs"], cpu["kvrelink"] / cpu["bfs"]
             printf "kvrelink/find: wall %.3f, min %.3f, cpu %.3f (goal <= 0.5)\n", wall["kvrelink"] / wall["find"], min["kvrelink"] / min["find"], cpu["kvrelink"] / cpu["find"]
         }' "$work/r$files.csv"
+    if [ "${RELINK_WALK_ONLY:-1}" = 1 ]; then
+        # The walk alone: one absent name each, so no tool pays for matching many names.
+        echo /old/media/absent_clip.mp4 > "$work/absent.txt"
+        hyperfine -N -i --warmup 1 --runs "$runs" --export-csv "$work/w$files.csv" \
+            -n kvrelink "$bin/kvrelink $tree --names-from $work/absent.txt" \
+            -n bfs "bfs $tree -name absent_clip.mp4" \
+            -n find "find $tree -name absent_clip.mp4" > "$work/walk$files.log"
+        echo
+        echo "walk only (one absent name):"
+        awk -F, 'NR > 1 { wall[$1] = $2; cpu[$1] = $5 + $6 }
+            END { printf "kvrelink %.3f s (cpu %.3f), bfs %.3f s (cpu %.3f), find %.3f s (cpu %.3f); kvrelink/bfs %.3f, kvrelink/find %.3f\n",
+                  wall["kvrelink"], cpu["kvrelink"], wall["bfs"], cpu["bfs"], wall["find"], cpu["find"],
+                  wall["kvrelink"] / wall["bfs"], wall["kvrelink"] / wall["find"] }' "$work/w$files.csv"
+    fi
     echo
     echo "dialog: $("$bin/bench_relink" dialog "$tree" "$work/names$files.txt" 2>/dev/null | tr '\n' ';')"
     echo
