@@ -6,6 +6,7 @@
 #include <Media/File.h>
 #include <Timeline/PasteFXResult.h>
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QCoreApplication>
 #include <QDialog>
@@ -90,6 +91,16 @@ bool notTaken(QString const& text, QString& error)
     }
     return true;
 }
+// Buttons laid out narrower than their text needs show it cut off (long translations).
+QStringList clippedButtons(const QWidget* dialog)
+{
+    QStringList clipped;
+    for (const QAbstractButton* button : dialog->findChildren<QAbstractButton*>()) {
+        if (button->isVisible() && !button->text().isEmpty() && button->width() < button->sizeHint().width())
+            clipped << button->text();
+    }
+    return clipped;
+}
 } // namespace
 
 std::vector<Entry> entries()
@@ -164,7 +175,8 @@ int render(const QString& folder)
         auto* poll = new QTimer;
         poll->setInterval(10);
         auto attempts = std::make_shared<int>(0);
-        QObject::connect(poll, &QTimer::timeout, [poll, path, &saved, attempts] {
+        QStringList clipped;
+        QObject::connect(poll, &QTimer::timeout, [poll, path, &saved, &clipped, attempts] {
             QWidget* modal = QApplication::activeModalWidget();
             if (!modal) {
                 if (++*attempts > 500) {
@@ -177,6 +189,7 @@ int render(const QString& folder)
             poll->deleteLater();
             QApplication::processEvents();
             saved = modal->grab().save(path);
+            clipped += clippedButtons(modal);
             if (auto* dialog = qobject_cast<QDialog*>(modal))
                 dialog->done(QDialog::Rejected);
             else
@@ -184,6 +197,11 @@ int render(const QString& folder)
         });
         poll->start();
         entry.show();
+        for (const QString& text : clipped) {
+            LOG(ERROR) << "dialog gallery: " << entry.name.toStdString() << ": the button \"" << text.toStdString()
+                       << "\" is too narrow for its text";
+            ++failures;
+        }
         if (saved) {
             LOG(INFO) << "dialog gallery: " << path.toStdString();
         } else {

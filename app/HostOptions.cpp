@@ -9,17 +9,31 @@ HostOptions HostOptions::take(QStringList& arguments)
     const std::map<QString, std::function<void(const QString&)>> withValue{
         {QStringLiteral("--screenshot"), [&](const QString& v) { options.screenshotPath = v; }},
         {QStringLiteral("--quit-after-ready"), [&](const QString& v) { options.quitAfterReadyMs = v.toInt(); }},
+        {QStringLiteral("--quit-after-batches"), [&](const QString& v) { options.quitAfterBatches = v.toInt(); }},
         {QStringLiteral("--dialog-gallery"), [&](const QString& v) { options.dialogGalleryDir = v; }},
         {QStringLiteral("--locale"), [&](const QString& v) { options.locale = v; }},
         {QStringLiteral("--find-missing"), [&](const QString& v) { options.findMissingList = v; }},
         {QStringLiteral("--search-folder"), [&](const QString& v) { options.searchFolder = v; }},
         {QStringLiteral("--show-file"), [&](const QString& v) { options.showFile = v; }},
+        {QStringLiteral("--thumbnails-to"), [&](const QString& v) { options.thumbnailsDir = v; }},
+        {QStringLiteral("--thumbnail-size"), [&](const QString& v) { options.thumbnailSize = v.toInt(); }},
+    };
+    const std::map<QString, std::function<void()>> flags{
+        {QStringLiteral("--help"), [&] { options.help = true; }},
+        {QStringLiteral("-h"), [&] { options.help = true; }},
+        {QStringLiteral("-?"), [&] { options.help = true; }},
+        {QStringLiteral("--version"), [&] { options.version = true; }},
+        {QStringLiteral("-v"), [&] { options.version = true; }},
     };
     QStringList kept;
     for (int i = 0; i < arguments.size(); ++i) {
         const QString& argument = arguments.at(i);
         const int eq = argument.indexOf(QLatin1Char('='));
         const QString name = eq > 0 ? argument.left(eq) : argument;
+        if (const auto flag = flags.find(argument); i > 0 && flag != flags.end()) {
+            flag->second();
+            continue;
+        }
         const auto option = withValue.find(name);
         if (i > 0 && option != withValue.end()) {
             if (eq > 0)
@@ -32,4 +46,26 @@ HostOptions HostOptions::take(QStringList& arguments)
     }
     arguments = kept;
     return options;
+}
+
+QString HostOptions::usage()
+{
+    return QStringLiteral(
+        "Usage: klipvane [options] [file...]\n"
+        "Opens the files in the running editor, or starts the editor with them.\n"
+        "Project files (.kvproj) are opened as projects, other files added as media.\n"
+        "\n"
+        "Options:\n"
+        "  --mode <mode>              editor mode: normal (default) or slideshow\n"
+        "  --locale <code>            user-interface locale, e.g. de_DE\n"
+        "  --screenshot <png>         save the main window once ready, then quit\n"
+        "  --quit-after-ready <ms>    quit that long after start-up\n"
+        "  --dialog-gallery <folder>  render every standard dialog to a PNG there and exit\n"
+        "  --thumbnails-to <folder>   write the named files' thumbnails there as PNGs and exit\n"
+        "  --thumbnail-size <px>      the box those thumbnails are fitted into (default 128)\n"
+        "  --find-missing <list>      show the missing-files dialog for the paths listed, one a line\n"
+        "  --search-folder <folder>   ...and start its search of that folder at once\n"
+        "  --show-file <path>         reveal the file in the file manager once ready\n"
+        "  -h, --help                 print this help and exit\n"
+        "  -v, --version              print the version and exit\n");
 }

@@ -169,14 +169,15 @@ void MainWindow::buildMenus()
     bar->addAction(tr("Tools"), this, [this] { m_pages->setCurrentWidget(m_toolsPage); });
 }
 
-void MainWindow::addCollectionPage(const QString& name, const QString& description)
+void MainWindow::addCollectionPage(const QString& name, const QString& title, const QString& description)
 {
-    QWidget* page = makePage(QStringLiteral("collectionPage_") + name, name, description);
+    QWidget* page = makePage(QStringLiteral("collectionPage_") + name, title, description);
+    LOG(INFO) << "collection page: " << name.toStdString() << " \"" << title.toStdString() << '"';
     m_pages->addWidget(page);
     m_collectionPages.insert(name, page);
     EditorCollection::CollectionProvider::add(std::make_shared<PageCollection>(name, this));
     if (auto* bar = findChild<QToolBar*>(QStringLiteral("pagesToolBar")))
-        bar->addAction(name, this, [this, name] { showCollectionPage(name); });
+        bar->addAction(title, this, [this, name] { showCollectionPage(name); });
 }
 
 void MainWindow::showCollectionPage(const QString& name)
@@ -199,6 +200,15 @@ void MainWindow::addFiles(const QStringList& files)
     emit filesAdded(files);
     if (isSlideshowRunning())
         showSlide();
+}
+
+void MainWindow::showBatchOutcome(int addedFiles, int failedFiles)
+{
+    const QString message = failedFiles == 0
+        ? tr("%n file(s) added", nullptr, addedFiles)
+        : tr("%n file(s) added, %1 could not be opened", nullptr, addedFiles).arg(failedFiles);
+    statusBar()->showMessage(message);
+    LOG(INFO) << "status: " << message.toStdString();
 }
 
 bool MainWindow::isSlideshowRunning() const

@@ -22,8 +22,9 @@ public:
     explicit MainWindow(QWidget* parent = nullptr);
     ~MainWindow() override;
 
-    // Adds a collection page and registers the collection under `name`.
-    void addCollectionPage(const QString& name, const QString& description);
+    // Adds a collection page titled `title` (a user text) and registers the collection
+    // under `name` (an identifier, as IPC requests name it).
+    void addCollectionPage(const QString& name, const QString& title, const QString& description);
     void showCollectionPage(const QString& name);
 
     QStackedWidget* pages() const { return m_pages; }
@@ -34,6 +35,8 @@ public:
 
     void addFiles(const QStringList& files);
     void startSlideshow();
+    // Tells in the status bar how a batch of added files ended.
+    void showBatchOutcome(int addedFiles, int failedFiles);
 
 signals:
     void filesAdded(const QStringList& files);

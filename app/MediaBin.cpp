@@ -1,5 +1,7 @@
 #include "MediaBin.h"
 
+#include "BinThumbnails.h"
+
 #include <FileDialog.h>
 
 #include <Dialog/DialogStrategy.h>
@@ -7,6 +9,7 @@
 
 #include <Conf/Codecs.h>
 
+#include <QAction>
 #include <QApplication>
 #include <QFileInfo>
 #include <QListWidget>
@@ -36,12 +39,8 @@ QString facts(const Media::File* file)
 {
     if (file->isOpening())
         return MediaBin::tr("Opening...");
-    if (file->isFailed()) {
-        const QString reason = file->errors().empty()
-            ? QString()
-            : Error::describeTranscodingError(file->errors().front(), Error::Analyze);
-        return MediaBin::tr("Can't be opened: %1").arg(reason);
-    }
+    if (file->isFailed())
+        return MediaBin::tr("Can't be opened: %1").arg(Error::describeFailedFile(*file));
     QStringList parts;
     for (const Media::VideoTrack& video : file->videoTracks()) {
         if (video.isCoverArt())
@@ -78,10 +77,12 @@ public:
     {
         QStyleOptionViewItem first = option;
         initStyleOption(&first, index);
+        const QImage picture = BinThumbnails::prepare(first, index, MediaBin::ThumbnailRole);
         const QString factsLine = index.data(MediaBin::FactsRole).toString();
         QStyle* style = first.widget ? first.widget->style() : QApplication::style();
         first.text.clear();
         style->drawControl(QStyle::CE_ItemViewItem, &first, painter, first.widget);
+        BinThumbnails::draw(painter, first, picture);
 
         const QRect text = style->subElementRect(QStyle::SE_ItemViewItemText, &first, first.widget);
         const int half = text.height() / 2;
@@ -118,9 +119,17 @@ MediaBin::MediaBin(QListWidget* bin, QObject* parent) : QObject(parent), m_bin(b
     m_bin->setSelectionMode(QAbstractItemView::ExtendedSelection);
     connect(m_bin, &QWidget::customContextMenuRequested, this, &MediaBin::showContextMenu);
     connect(m_bin, &QListWidget::itemActivated, this, &MediaBin::showFileInfo);
+    auto* remove = new QAction(tr("Remove from project"), m_bin);
+    remove->setObjectName(QStringLiteral("removeSelectedAction"));
+    remove->setShortcuts({QKeySequence::Delete, Qt::Key_Backspace});
+    remove->setShortcutContext(Qt::WidgetShortcut);
+    connect(remove, &QAction::triggered, this, &MediaBin::removeSelectedItems);
+    m_bin->addAction(remove);
     auto track = [this](const Media::File* file) { refresh(file); };
     connect(&m_pool, &Media::FilePool::fileOpened, this, track);
     connect(&m_pool, &Media::FilePool::fileFailed, this, track);
+    m_bin->setIconSize(QSize(BinThumbnails::Size, BinThumbnails::Size * 9 / 16));
+    BinThumbnails::watch(m_bin, this);
 }
 
 MediaBin::~MediaBin()
@@ -156,26 +165,36 @@ void MediaBin::refresh(const Media::File* file)
     QListWidgetItem* item = m_items.value(file);
     if (!item)
         return;
-    QStyle* style = m_bin->style();
+    // The icons are made once: every standardIcon() call loads its own set of pixmaps, some
+    // 90 KB per item, which 10,000 files turned into most of the editor's memory.
+    if (m_icons.isEmpty()) {
+        QStyle* style = m_bin->style();
+        for (QStyle::StandardPixmap kind : {QStyle::SP_BrowserReload, QStyle::SP_MessageBoxCritical,
+                                            QStyle::SP_MessageBoxWarning, QStyle::SP_MediaVolume, QStyle::SP_FileIcon})
+            m_icons.insert(kind, style->standardIcon(kind));
+    }
     QString state;
-    QIcon icon;
+    QStyle::StandardPixmap icon;
     if (file->isOpening()) {
         state = QStringLiteral("opening");
-        icon = style->standardIcon(QStyle::SP_BrowserReload);
+        icon = QStyle::SP_BrowserReload;
     } else if (file->isFailed()) {
         state = QStringLiteral("failed");
-        icon = style->standardIcon(QStyle::SP_MessageBoxCritical);
+        icon = QStyle::SP_MessageBoxCritical;
     } else if (!file->unsupportedCodecs().isEmpty()) {
         state = QStringLiteral("opened");
-        icon = style->standardIcon(QStyle::SP_MessageBoxWarning);
+        icon = QStyle::SP_MessageBoxWarning;
     } else {
         state = QStringLiteral("opened");
-        icon = style->standardIcon(file->videoTracks().empty() ? QStyle::SP_MediaVolume : QStyle::SP_FileIcon);
+        icon = file->videoTracks().empty() ? QStyle::SP_MediaVolume : QStyle::SP_FileIcon;
     }
     const QString factsLine = facts(file);
-    item->setIcon(icon);
+    item->setIcon(m_icons.value(icon));
     item->setData(StateRole, state);
     item->setData(FactsRole, factsLine);
+    // Files that opened cleanly show their picture; the others keep the icon of their state.
+    const bool clean = file->isOpened() && file->unsupportedCodecs().isEmpty();
+    item->setData(ThumbnailRole, clean ? file->filePath() : QString());
     item->setToolTip(file->filePath() + QLatin1Char('\n') + factsLine);
 }
 
@@ -196,6 +215,8 @@ void MediaBin::showContextMenu(const QPoint& position)
     QAction* chosen = menu.exec(m_bin->viewport()->mapToGlobal(position));
     if (chosen == info)
         showFileInfo(item);
+    else if (chosen == remove && item->isSelected())
+        removeSelectedItems(); // the menu acts on the selection the item belongs to
     else if (chosen == remove)
         removeItem(item);
     else if (chosen == reveal)
@@ -215,6 +236,16 @@ void MediaBin::removeItem(QListWidgetItem* item)
         removeFile(file);
     else
         delete item;
+}
+
+void MediaBin::removeSelectedItems()
+{
+    // Taken before the first removal: deleting an item changes the selection.
+    const QList<QListWidgetItem*> selected = m_bin->selectedItems();
+    for (QListWidgetItem* item : selected)
+        removeItem(item);
+    if (!selected.isEmpty())
+        LOG(INFO) << "media bin: removed " << selected.size() << " item(s)";
 }
 
 bool MediaBin::removeFile(const Media::File* file)
@@ -237,16 +268,21 @@ void MediaBin::postProcessing(AnalyzedProduct product)
     LOG(INFO) << "media batch: " << product.failedFiles.size() << " failed, "
               << product.openedUnsupportedCodecFiles.size() << " opened with unsupported codecs, HDR "
               << (product.hasHDR ? "yes" : "no");
+    const int added = totalFilesCount();
     int removed = 0;
     if (!product.failedFiles.empty() || !product.openedUnsupportedCodecFiles.empty()) {
+        // The H.265 notice is acknowledged, not a choice about other files: only failed files
+        // it listed may go.
+        const std::set<const Media::File*> listed = h265Files(product);
         if (showFailedFilesDialog(product)) {
             for (const Media::File* file : product.failedFiles)
-                removed += removeFile(file) ? 1 : 0;
+                if (listed.empty() || listed.count(file))
+                    removed += removeFile(file) ? 1 : 0;
         }
     }
     if (product.hasHDR)
         showHDRFilesAddedDialog();
     // The end of the batch's reports: whoever follows the log knows no dialog of it is left.
     LOG(INFO) << "media batch reported: " << product.failedFiles.size() << " failed, " << removed << " removed";
-    emit batchReported(int(product.failedFiles.size()));
+    emit batchReported(added, int(product.failedFiles.size()));
 }

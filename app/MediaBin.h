@@ -5,7 +5,9 @@
 #include <Media/FilePool.h>
 
 #include <QHash>
+#include <QIcon>
 #include <QObject>
+#include <QStyle>
 
 class QListWidget;
 class QListWidgetItem;
@@ -14,13 +16,14 @@ class QListWidgetItem;
 // Media::FilePool; each item shows whether its file is opening, opened or failed, with
 // the file's main facts (or the reason it failed) on a second line. When a batch has an
 // outcome, the standard reports follow: the failed-files dialog (or the H.265 one), which
-// may remove the unopened files, and the one-time HDR notice. The item's context menu
-// offers the file information dialog.
+// may remove the unopened files it names, and the one-time HDR notice. The item's context
+// menu offers the file information dialog and removal of the selected items, which the
+// Delete key removes too. Files that opened show their thumbnail (BinThumbnails).
 class MediaBin : public QObject, public FileOpenHandler
 {
     Q_OBJECT
 public:
-    enum Role { FileRole = 0x0200, StateRole, FactsRole };
+    enum Role { FileRole = 0x0200, StateRole, FactsRole, ThumbnailRole };
 
     explicit MediaBin(QListWidget* bin, QObject* parent = nullptr);
     ~MediaBin() override;
@@ -34,10 +37,12 @@ public slots:
     void addFiles(const QStringList& files);
     void showFileInfo(QListWidgetItem* item);
     void removeItem(QListWidgetItem* item);
+    // Removes every selected item (and its file) from the bin.
+    void removeSelectedItems();
 
 signals:
-    // A batch ended and its reports were given.
-    void batchReported(int failedFiles);
+    // A batch of `addedFiles` ended, `failedFiles` of them failed, and its reports were given.
+    void batchReported(int addedFiles, int failedFiles);
 
 private:
     bool allowToDeleteClips(const AnalyzedProduct& product) override;
@@ -50,4 +55,5 @@ private:
     QListWidget* m_bin;
     Media::FilePool m_pool;
     QHash<const Media::File*, QListWidgetItem*> m_items;
+    QHash<int, QIcon> m_icons; // by QStyle::StandardPixmap
 };

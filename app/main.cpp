@@ -9,6 +9,7 @@
 #include "MainWindow.h"
 #include "MediaBin.h"
 #include "SecondLaunch.h"
+#include "ThumbnailExport.h"
 
 #include <ActionGateway.h>
 #include <CommandProvider.h>
@@ -24,12 +25,16 @@
 #include <QApplication>
 #include <QBoxLayout>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QListWidget>
 #include <QScreen>
 #include <QTimer>
 
 #include <glog/logging.h>
+
+#include <cstdio>
+#include <unistd.h>
 
 namespace {
 
@@ -66,29 +71,55 @@ void routeLinksThroughIpc()
         links->setLinksOpener(IPC::Controller::instance().createIPCLinksOpener());
 }
 
+long residentKilobytes()
+{
+    QFile statm(QStringLiteral("/proc/self/statm"));
+    if (!statm.open(QIODevice::ReadOnly))
+        return -1;
+    const QList<QByteArray> fields = statm.readAll().split(' ');
+    return fields.size() > 1 ? fields.at(1).toLong() * (sysconf(_SC_PAGESIZE) / 1024) : -1;
+}
+
 } // namespace
 
 int main(int argc, char** argv)
 {
-    Tavrin::Log::init(argv[0]);
-
     QStringList arguments;
     for (int i = 0; i < argc; ++i)
         arguments << QString::fromLocal8Bit(argv[i]);
     const HostOptions options = HostOptions::take(arguments);
+    if (options.help || options.version) {
+        const QString text = options.help ? HostOptions::usage() : QStringLiteral("klipvane " KLIPVANE_VERSION "\n");
+        std::fputs(text.toLocal8Bit().constData(), stdout);
+        return 0;
+    }
+    // The log file waits until this process is known to need one: a launch that only hands
+    // its files to the running editor leaves no log of its own.
+    Tavrin::Log::init(argv[0], Tavrin::Log::FileStart::Later);
     Launcher::instance().setArguments(arguments);
     HostServices::registerProduct(executableDirectory(argv[0]), options.locale);
+
+    // A tool, not an editor: no window, no display, no hand-over to a running editor.
+    if (!options.thumbnailsDir.isEmpty()) {
+        Tavrin::Log::startFile();
+        QCoreApplication application(argc, argv);
+        QCoreApplication::setOrganizationName(QStringLiteral("Klipvane"));
+        QCoreApplication::setApplicationName(QStringLiteral("Klipvane"));
+        return ThumbnailExport::run(options.thumbnailsDir, SecondLaunch::filesOf(arguments),
+                                    std::max(1, options.thumbnailSize));
+    }
 
     // Decided before any application object: a launch that only hands its files to the
     // running editor must not pay for widgets. The gallery is a tool, not an editor.
     SecondLaunch launch;
-    if (options.dialogGalleryDir.isEmpty()) {
+    if (options.dialogGalleryDir.isEmpty())
         launch = SecondLaunch::decide(arguments);
-        if (launch.exitCode)
-            return *launch.exitCode;
-    } else {
+    else
         DialogGallery::prepareEnvironment();
-    }
+    if (launch.exitCode != SecondLaunch::HandedOver)
+        Tavrin::Log::startFile(); // the editor's log, or the story of a launch that failed
+    if (launch.exitCode)
+        return *launch.exitCode;
 
     QApplication application(argc, argv);
     QApplication::setOrganizationName(QStringLiteral("Klipvane"));
@@ -113,13 +144,24 @@ int main(int argc, char** argv)
     HostServices::decorateMainWindow(&window);
     if (auto* layout = qobject_cast<QBoxLayout*>(window.toolsPage()->layout()))
         layout->insertWidget(2, new CaptureTools);
-    window.addCollectionPage(QStringLiteral("UserFiles"), QObject::tr("Files you added from outside the editor."));
-    window.addCollectionPage(QStringLiteral("Effects"), QObject::tr("Filters, transitions and titles."));
+    window.addCollectionPage(QStringLiteral("UserFiles"), MainWindow::tr("Your Files"),
+                             QObject::tr("Files you added from outside the editor."));
+    window.addCollectionPage(QStringLiteral("Effects"), MainWindow::tr("Effects"),
+                             QObject::tr("Filters, transitions and titles."));
 
     // Files reaching the bin are opened by the media model; the bin reports each batch.
     MediaBin mediaBin(window.mediaBin());
     QObject::connect(&window, &MainWindow::filesAdded, &mediaBin, &MediaBin::addFiles);
     ImportMenu::install(window);
+    QObject::connect(&mediaBin, &MediaBin::batchReported, &window, &MainWindow::showBatchOutcome);
+    // What the bin costs: the resident memory once a batch is in (bench/run_bin_memory.sh).
+    int batches = 0;
+    QObject::connect(&mediaBin, &MediaBin::batchReported, &application, [&] {
+        LOG(INFO) << "memory: " << residentKilobytes() << " kB resident, " << window.mediaBin()->count()
+                  << " item(s) in the media bin";
+        if (++batches == options.quitAfterBatches)
+            QApplication::quit();
+    });
 
     window.show();
     PubSub::publish(Command::ReadyNotification());

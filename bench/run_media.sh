@@ -10,19 +10,8 @@ set -eu
 here=$(cd "$(dirname "$0")" && pwd)
 build=${1:-$here/../build}
 bin=$build/bin
-for tool in "$bin/bench_media" ffmpeg ffprobe; do
-    command -v "$tool" >/dev/null || { echo "run_media: $tool not found (build first; ffmpeg installed?)" >&2; exit 1; }
-done
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT INT TERM
-export KLIPVANE_CONFIG_DIR="$work/config" KLIPVANE_LOG_DIR="$work/log" XDG_RUNTIME_DIR="$work/run"
-mkdir -p "$KLIPVANE_CONFIG_DIR" "$KLIPVANE_LOG_DIR" "$XDG_RUNTIME_DIR"
-chmod 700 "$XDG_RUNTIME_DIR"
-
-now_ms() { date +%s%3N; }
-# The smallest number of a file of numbers: the machine is shared, the least disturbed run counts.
-least() { sort -g "$1" | head -1; }
-ratio() { awk "BEGIN { printf \"%.${3:-3}f\", $1 / $2 }"; }
+. "$here/common.sh"
+require "$bin/bench_media" ffmpeg ffprobe
 
 "$here/../tests/support/make_test_media.sh" "$work/src" >/dev/null
 mkdir "$work/files"

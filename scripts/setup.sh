@@ -6,12 +6,13 @@ ROOT=$(cd "$(dirname "$0")/.." && pwd)
 BUILD=${KLIPVANE_BUILD_DIR:-$ROOT/build}
 
 # clang and libclang-rt-dev build the fuzz test (the runtime is only recommended by clang,
-# and recommendations are not installed below); libsingleapplication-dev is a benchmark peer.
+# and recommendations are not installed below); libsingleapplication-dev and
+# ffmpegthumbnailer are benchmark peers.
 PACKAGES="build-essential cmake ninja-build ccache pkg-config git
   qtbase5-dev qttools5-dev-tools qttools5-dev libqt5opengl5-dev
   libboost-dev libgoogle-glog-dev
-  libavformat-dev libavcodec-dev libavutil-dev ffmpeg
-  xvfb xauth clang libclang-rt-dev libsingleapplication-dev fonts-dejavu-core
+  libavformat-dev libavcodec-dev libavutil-dev libswscale-dev ffmpeg
+  xvfb xauth clang libclang-rt-dev libsingleapplication-dev ffmpegthumbnailer fonts-dejavu-core
   fonts-wqy-microhei qttranslations5-l10n"
 
 missing=""

@@ -4,7 +4,7 @@
 <context>
     <name>AdjustProjectAspectDialog</name>
     <message>
-        <location filename="../library/AppUtil/Dialog/NoticeDialogs.cpp" line="+108"/>
+        <location filename="../library/AppUtil/Dialog/NoticeDialogs.cpp" line="+110"/>
         <source>Adding files</source>
         <translation type="unfinished"></translation>
     </message>
@@ -32,7 +32,7 @@
 <context>
     <name>Analyze</name>
     <message>
-        <location filename="../library/AppUtil/ErrorDescription.cpp" line="+79"/>
+        <location filename="../library/AppUtil/ErrorDescription.cpp" line="+80"/>
         <source>The chosen codec is not supported.</source>
         <translation type="unfinished"></translation>
     </message>
@@ -61,6 +61,16 @@
         <source>An unknown error has occurred. %1</source>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <location line="+86"/>
+        <source>The file name cannot be read: it is not valid UTF-8.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+2"/>
+        <source>The file is a symbolic link that leads back to itself.</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 <context>
     <name>CantPasteEffectsDialog</name>
@@ -79,7 +89,7 @@
 <context>
     <name>Capture</name>
     <message>
-        <location filename="../library/AppUtil/ErrorDescription.cpp" line="-27"/>
+        <location filename="../library/AppUtil/ErrorDescription.cpp" line="-115"/>
         <source>No more space left on device</source>
         <translation type="unfinished"></translation>
     </message>
@@ -143,7 +153,7 @@
 <context>
     <name>Customization</name>
     <message>
-        <location filename="../library/AppUtil/Customization.cpp" line="+84"/>
+        <location filename="../library/AppUtil/Customization.cpp" line="+91"/>
         <source>SupportCenter</source>
         <translation type="unfinished"></translation>
     </message>
@@ -281,6 +291,7 @@
     </message>
     <message>
         <location line="+79"/>
+        <location filename="../library/AppUtil/FileOpenHandler.cpp" line="+268"/>
         <source>Some of the files can&apos;t be opened.</source>
         <translation type="unfinished"></translation>
     </message>
@@ -371,7 +382,7 @@
 <context>
     <name>ExternalResourceInfoDialog</name>
     <message>
-        <location filename="../library/AppUtil/Dialog/NoticeDialogs.cpp" line="+164"/>
+        <location filename="../library/AppUtil/Dialog/NoticeDialogs.cpp" line="+175"/>
         <location line="+5"/>
         <source>About this resource</source>
         <translation type="unfinished"></translation>
@@ -405,6 +416,21 @@
         <location line="+3"/>
         <source>Commercial use</source>
         <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>FileOpenHandler</name>
+    <message>
+        <location filename="../library/AppUtil/FileOpenHandler.cpp" line="-32"/>
+        <source>&lt;b&gt;%1&lt;/b&gt;: %2</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message numerus="yes">
+        <location line="+3"/>
+        <source>and %n more file(s)</source>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+        </translation>
     </message>
 </context>
 <context>
@@ -562,14 +588,22 @@
         <translation type="unfinished"></translation>
     </message>
     <message numerus="yes">
-        <location line="+33"/>
+        <location line="+34"/>
+        <location line="+9"/>
         <source>%n file(s) added</source>
         <translation type="unfinished">
             <numerusform></numerusform>
         </translation>
     </message>
+    <message numerus="yes">
+        <location line="+1"/>
+        <source>%n file(s) added, %1 could not be opened</source>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+        </translation>
+    </message>
     <message>
-        <location line="+22"/>
+        <location line="+21"/>
         <source>Slideshow: waiting for files</source>
         <translation type="unfinished"></translation>
     </message>
@@ -579,21 +613,31 @@
 %3</source>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <location filename="../app/main.cpp" line="+126"/>
+        <source>Your Files</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+2"/>
+        <source>Effects</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 <context>
     <name>MediaBin</name>
     <message>
-        <location filename="../app/MediaBin.cpp" line="+36"/>
+        <location filename="../app/MediaBin.cpp" line="+37"/>
         <source>Opening...</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <location line="+5"/>
+        <location line="+2"/>
         <source>Can&apos;t be opened: %1</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <location line="+8"/>
+        <location line="+7"/>
         <source>%1 fps</source>
         <translation type="unfinished"></translation>
     </message>
@@ -613,12 +657,13 @@
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <location line="+120"/>
+        <location line="+136"/>
         <source>File information...</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <location line="+3"/>
+        <location line="-81"/>
+        <location line="+84"/>
         <source>Remove from project</source>
         <translation type="unfinished"></translation>
     </message>
@@ -650,12 +695,12 @@
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <location filename="../app/main.cpp" line="+114"/>
+        <location filename="../app/main.cpp" line="-1"/>
         <source>Files you added from outside the editor.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <location line="+1"/>
+        <location line="+2"/>
         <source>Filters, transitions and titles.</source>
         <translation type="unfinished"></translation>
     </message>
@@ -818,7 +863,7 @@
 <context>
     <name>UnsupportedCodecInfoDialog</name>
     <message>
-        <location filename="../library/AppUtil/Dialog/NoticeDialogs.cpp" line="-105"/>
+        <location filename="../library/AppUtil/Dialog/NoticeDialogs.cpp" line="-116"/>
         <location line="+35"/>
         <source>H.265-encoded files are not supported</source>
         <translation type="unfinished"></translation>
@@ -862,7 +907,7 @@
 <context>
     <name>mainWindow.codecWarningWindow</name>
     <message>
-        <location filename="../library/AppUtil/FileOpenHandler.cpp" line="+228"/>
+        <location filename="../library/AppUtil/FileOpenHandler.cpp" line="+22"/>
         <source>Some videos used in this project could not be opened. They may be corrupted, or their codecs &lt;a href=&quot;%1&quot;&gt;are not supported.&lt;/a&gt;</source>
         <translation type="unfinished"></translation>
     </message>
@@ -870,7 +915,7 @@
 <context>
     <name>mainWindow.hdrColorConversionDialog</name>
     <message>
-        <location line="+14"/>
+        <location line="+20"/>
         <source>Automatic color conversion</source>
         <translation type="unfinished"></translation>
     </message>

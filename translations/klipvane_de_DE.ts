@@ -4,7 +4,7 @@
 <context>
     <name>AdjustProjectAspectDialog</name>
     <message>
-        <location filename="../library/AppUtil/Dialog/NoticeDialogs.cpp" line="+108"/>
+        <location filename="../library/AppUtil/Dialog/NoticeDialogs.cpp" line="+110"/>
         <source>Adding files</source>
         <translation>Dateien hinzufügen</translation>
     </message>
@@ -32,7 +32,7 @@
 <context>
     <name>Analyze</name>
     <message>
-        <location filename="../library/AppUtil/ErrorDescription.cpp" line="+79"/>
+        <location filename="../library/AppUtil/ErrorDescription.cpp" line="+80"/>
         <source>The chosen codec is not supported.</source>
         <translation>Der gewählte Codec wird nicht unterstützt.</translation>
     </message>
@@ -61,6 +61,16 @@
         <source>An unknown error has occurred. %1</source>
         <translation>Ein unbekannter Fehler ist aufgetreten. %1</translation>
     </message>
+    <message>
+        <location line="+86"/>
+        <source>The file name cannot be read: it is not valid UTF-8.</source>
+        <translation>Der Dateiname kann nicht gelesen werden: Er ist kein gültiges UTF-8.</translation>
+    </message>
+    <message>
+        <location line="+2"/>
+        <source>The file is a symbolic link that leads back to itself.</source>
+        <translation>Die Datei ist eine symbolische Verknüpfung, die auf sich selbst zurückführt.</translation>
+    </message>
 </context>
 <context>
     <name>CantPasteEffectsDialog</name>
@@ -79,7 +89,7 @@
 <context>
     <name>Capture</name>
     <message>
-        <location filename="../library/AppUtil/ErrorDescription.cpp" line="-27"/>
+        <location filename="../library/AppUtil/ErrorDescription.cpp" line="-115"/>
         <source>No more space left on device</source>
         <translation>Auf dem Datenträger ist kein Speicherplatz mehr frei</translation>
     </message>
@@ -143,7 +153,7 @@
 <context>
     <name>Customization</name>
     <message>
-        <location filename="../library/AppUtil/Customization.cpp" line="+84"/>
+        <location filename="../library/AppUtil/Customization.cpp" line="+91"/>
         <source>SupportCenter</source>
         <translation>Support-Center</translation>
     </message>
@@ -293,6 +303,7 @@
     </message>
     <message>
         <location line="+79"/>
+        <location filename="../library/AppUtil/FileOpenHandler.cpp" line="+268"/>
         <source>Some of the files can&apos;t be opened.</source>
         <translation>Einige Dateien können nicht geöffnet werden.</translation>
     </message>
@@ -383,7 +394,7 @@
 <context>
     <name>ExternalResourceInfoDialog</name>
     <message>
-        <location filename="../library/AppUtil/Dialog/NoticeDialogs.cpp" line="+164"/>
+        <location filename="../library/AppUtil/Dialog/NoticeDialogs.cpp" line="+175"/>
         <location line="+5"/>
         <source>About this resource</source>
         <translation>Über diese Ressource</translation>
@@ -417,6 +428,22 @@
         <location line="+3"/>
         <source>Commercial use</source>
         <translation>Kommerzielle Nutzung</translation>
+    </message>
+</context>
+<context>
+    <name>FileOpenHandler</name>
+    <message>
+        <location filename="../library/AppUtil/FileOpenHandler.cpp" line="-32"/>
+        <source>&lt;b&gt;%1&lt;/b&gt;: %2</source>
+        <translation>&lt;b&gt;%1&lt;/b&gt;: %2</translation>
+    </message>
+    <message numerus="yes">
+        <location line="+3"/>
+        <source>and %n more file(s)</source>
+        <translation>
+            <numerusform>und %n weitere Datei</numerusform>
+            <numerusform>und %n weitere Dateien</numerusform>
+        </translation>
     </message>
 </context>
 <context>
@@ -574,15 +601,24 @@
         <translation>Seiten</translation>
     </message>
     <message numerus="yes">
-        <location line="+33"/>
+        <location line="+34"/>
+        <location line="+9"/>
         <source>%n file(s) added</source>
         <translation>
             <numerusform>%n Datei hinzugefügt</numerusform>
             <numerusform>%n Dateien hinzugefügt</numerusform>
         </translation>
     </message>
+    <message numerus="yes">
+        <location line="+1"/>
+        <source>%n file(s) added, %1 could not be opened</source>
+        <translation>
+            <numerusform>%n Datei hinzugefügt, %1 konnte(n) nicht geöffnet werden</numerusform>
+            <numerusform>%n Dateien hinzugefügt, %1 konnte(n) nicht geöffnet werden</numerusform>
+        </translation>
+    </message>
     <message>
-        <location line="+22"/>
+        <location line="+21"/>
         <source>Slideshow: waiting for files</source>
         <translation>Diashow: warte auf Dateien</translation>
     </message>
@@ -593,21 +629,31 @@
         <translation>Bild %1 von %2
 %3</translation>
     </message>
+    <message>
+        <location filename="../app/main.cpp" line="+126"/>
+        <source>Your Files</source>
+        <translation>Ihre Dateien</translation>
+    </message>
+    <message>
+        <location line="+2"/>
+        <source>Effects</source>
+        <translation>Effekte</translation>
+    </message>
 </context>
 <context>
     <name>MediaBin</name>
     <message>
-        <location filename="../app/MediaBin.cpp" line="+36"/>
+        <location filename="../app/MediaBin.cpp" line="+37"/>
         <source>Opening...</source>
         <translation>Wird geöffnet...</translation>
     </message>
     <message>
-        <location line="+5"/>
+        <location line="+2"/>
         <source>Can&apos;t be opened: %1</source>
         <translation>Kann nicht geöffnet werden: %1</translation>
     </message>
     <message>
-        <location line="+8"/>
+        <location line="+7"/>
         <source>%1 fps</source>
         <translation>%1 fps</translation>
     </message>
@@ -627,12 +673,13 @@
         <translation>nicht unterstützt: %1</translation>
     </message>
     <message>
-        <location line="+120"/>
+        <location line="+136"/>
         <source>File information...</source>
         <translation>Dateiinformationen...</translation>
     </message>
     <message>
-        <location line="+3"/>
+        <location line="-81"/>
+        <location line="+84"/>
         <source>Remove from project</source>
         <translation>Aus dem Projekt entfernen</translation>
     </message>
@@ -664,12 +711,12 @@
         <translation>Konvertierungsfehler. Nicht genügend Arbeitsspeicher. Verringern Sie Breite und Höhe der Ausgabedatei.</translation>
     </message>
     <message>
-        <location filename="../app/main.cpp" line="+114"/>
+        <location filename="../app/main.cpp" line="-1"/>
         <source>Files you added from outside the editor.</source>
         <translation>Dateien, die Sie von außerhalb des Editors hinzugefügt haben.</translation>
     </message>
     <message>
-        <location line="+1"/>
+        <location line="+2"/>
         <source>Filters, transitions and titles.</source>
         <translation>Filter, Übergänge und Titel.</translation>
     </message>
@@ -832,7 +879,7 @@
 <context>
     <name>UnsupportedCodecInfoDialog</name>
     <message>
-        <location filename="../library/AppUtil/Dialog/NoticeDialogs.cpp" line="-105"/>
+        <location filename="../library/AppUtil/Dialog/NoticeDialogs.cpp" line="-116"/>
         <location line="+35"/>
         <source>H.265-encoded files are not supported</source>
         <translation>H.265-kodierte Dateien werden nicht unterstützt</translation>
@@ -876,7 +923,7 @@
 <context>
     <name>mainWindow.codecWarningWindow</name>
     <message>
-        <location filename="../library/AppUtil/FileOpenHandler.cpp" line="+228"/>
+        <location filename="../library/AppUtil/FileOpenHandler.cpp" line="+22"/>
         <source>Some videos used in this project could not be opened. They may be corrupted, or their codecs &lt;a href=&quot;%1&quot;&gt;are not supported.&lt;/a&gt;</source>
         <translation>Einige Videos dieses Projekts konnten nicht geöffnet werden. Sie sind möglicherweise beschädigt, oder ihre Codecs &lt;a href=&quot;%1&quot;&gt;werden nicht unterstützt.&lt;/a&gt;</translation>
     </message>
@@ -884,7 +931,7 @@
 <context>
     <name>mainWindow.hdrColorConversionDialog</name>
     <message>
-        <location line="+14"/>
+        <location line="+20"/>
         <source>Automatic color conversion</source>
         <translation>Automatische Farbumwandlung</translation>
     </message>

@@ -2,6 +2,7 @@
 
 #include "Customization.h"
 
+#include <Media/File.h>
 #include <Proc/ProcessingError.h>
 
 #include <QCoreApplication>
@@ -166,6 +167,23 @@ QString describeTranscodingError(const Tavrin::Proc::ProcessingError& error, Con
         return describeFreezeFrame(error.code(), support);
     }
     return commonUnknown();
+}
+
+QString describeFailedFile(const Media::File& file)
+{
+    if (!file.isFailed())
+        return QString();
+    switch (file.pathProblem()) {
+    case Media::File::PathProblem::UnreadableName:
+        return QCoreApplication::translate("Analyze", "The file name cannot be read: it is not valid UTF-8.");
+    case Media::File::PathProblem::SymlinkLoop:
+        return QCoreApplication::translate("Analyze", "The file is a symbolic link that leads back to itself.");
+    case Media::File::PathProblem::None:
+        break;
+    }
+    return file.errors().empty() ? describeTranscodingError(
+                                       Tavrin::Proc::ProcessingError(Tavrin::Proc::UnknownError, "", "", 0, "", ""), Analyze)
+                                 : describeTranscodingError(file.errors().front(), Analyze);
 }
 
 } // namespace Error

@@ -4,6 +4,10 @@
 
 #include <QString>
 
+namespace Media {
+class File;
+}
+
 namespace Tavrin {
 namespace Proc {
 class ProcessingError;
@@ -29,5 +33,10 @@ enum Context : int {
 //
 //   QMessageBox::warning(w, title, Error::describeTranscodingError(error, Error::Analyze));
 APPUTIL_EXPORT QString describeTranscodingError(const Tavrin::Proc::ProcessingError& error, Context context);
+
+// Why `file` could not be opened, in the user's words: the problem with its path where the
+// media model found one (a name that cannot be read, a symbolic link loop), else the text
+// of its first processing error in Analyze. Empty for a file that has not failed.
+APPUTIL_EXPORT QString describeFailedFile(const Media::File& file);
 
 } // namespace Error

@@ -2,6 +2,7 @@
 
 #include "Customization.h"
 #include "Dialog/DialogStrategy.h"
+#include "ErrorDescription.h"
 #include "MediaStatistics.h"
 
 #include <Conf/Codecs.h>
@@ -12,6 +13,7 @@
 
 #include <QCoreApplication>
 #include <QHash>
+#include <QMap>
 #include <QSet>
 
 #include <algorithm>
@@ -210,19 +212,45 @@ int FileOpenHandler::totalFilesCount() const
     return d->added.size() - d->removedEntries;
 }
 
+std::set<const Media::File*> FileOpenHandler::h265Files(const AnalyzedProduct& product)
+{
+    std::set<const Media::File*> files;
+    for (const Media::File* file : unsupportedCodecFiles(product))
+        if (file->unsupportedCodecs().contains(Tavrin::Conf::IFormatCodecVideo::CODEC_ID_H265, Qt::CaseSensitive))
+            files.insert(file);
+    return files;
+}
+
+namespace {
+// The failed files by name with the reason of each, as lines of rich text: one line per
+// path (a file added twice failed once), sorted, and at most a screenful of them.
+QString failedFilesList(const std::set<const Media::File*>& files)
+{
+    constexpr int shownAtMost = 12;
+    QMap<QString, QString> reasons; // path -> reason, sorted by path
+    for (const Media::File* file : files)
+        reasons.insert(file->filePath(), Error::describeFailedFile(*file));
+    QStringList lines;
+    for (auto it = reasons.cbegin(); it != reasons.cend() && lines.size() < shownAtMost; ++it) {
+        const QString name = it.key().section(QLatin1Char('/'), -1);
+        lines << QCoreApplication::translate("FileOpenHandler", "<b>%1</b>: %2").arg(name.toHtmlEscaped(), it.value());
+    }
+    if (reasons.size() > shownAtMost)
+        lines << QCoreApplication::translate("FileOpenHandler", "and %n more file(s)", nullptr,
+                                             reasons.size() - shownAtMost);
+    return lines.join(QStringLiteral("<br>"));
+}
+} // namespace
+
 bool FileOpenHandler::showFailedFilesDialog(AnalyzedProduct product)
 {
     sendFailedCodecsStatistics(product);
 
-    std::set<const Media::File*> h265Files;
-    for (const Media::File* file : unsupportedCodecFiles(product))
-        if (file->unsupportedCodecs().contains(Tavrin::Conf::IFormatCodecVideo::CODEC_ID_H265, Qt::CaseSensitive))
-            h265Files.insert(file);
-
+    const std::set<const Media::File*> h265 = h265Files(product);
     const bool deletionOffered = allowToDeleteClips(product);
     bool answer = false;
-    if (!h265Files.empty()) {
-        answer = Dialog::showHasH265FailedFiles(h265Files);
+    if (!h265.empty()) {
+        answer = Dialog::showHasH265FailedFiles(h265);
     } else {
         // Only point at codecs when every failure has an unsupported codec or an opened file
         // has one; otherwise some failure has another cause and the generic text fits better.
@@ -234,6 +262,12 @@ bool FileOpenHandler::showFailedFilesDialog(AnalyzedProduct product)
                                                   "Some videos used in this project could not be opened. They may be "
                                                   "corrupted, or their codecs <a href=\"%1\">are not supported.</a>")
                           .arg(Customization::supportedFormatsURL());
+        // The user learns which files failed and why, under the dialog's own first sentence.
+        if (!product.failedFiles.empty()) {
+            if (message.isEmpty())
+                message = QCoreApplication::translate("DialogStrategy", "Some of the files can't be opened.");
+            message += QStringLiteral("<br><br>") + failedFilesList(product.failedFiles);
+        }
         answer = Dialog::showHasFailedFiles(deletionOffered, message);
     }
     PubSub::publish(Statistics::DeleteFailedFilesEventNotification(deletionOffered, answer));

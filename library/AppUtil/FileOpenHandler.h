@@ -74,6 +74,8 @@ protected:
     // Shows the failed-files dialog (or the H.265 one) and reports the answer to the
     // statistics; true when the user chose to remove the unopened files.
     bool showFailedFilesDialog(AnalyzedProduct product);
+    // The files the H.265 notice lists for `product` (empty: the generic dialog is shown).
+    static std::set<const Media::File*> h265Files(const AnalyzedProduct& product);
     // Shows the HDR colour-conversion notice once per handler, unless the user asked never
     // to see it again.
     void showHDRFilesAddedDialog();

@@ -44,8 +44,6 @@ private slots:
             << QStringList{"StartSlideshow", "AddFiles @/a.mp4"};
         QTest::newRow("relative paths made absolute, order kept")
             << QStringList{"b.png", "notes.txt", "./a.mp4"} << QStringList{"AddFiles @/b.png @/a.mp4"};
-        QTest::newRow("--help neither prints nor exits") << QStringList{"--help", "a.mp4"}
-                                                         << QStringList{"AddFiles @/a.mp4"};
         QTest::newRow("unknown options and mode") << QStringList{"--fullscreen", "-z", "--mode", "kiosk", "b.png"}
                                                   << QStringList{"AddFiles @/b.png"};
         QTest::newRow("only unsupported and missing") << QStringList{"notes.txt", "gone.mp4"} << QStringList{};
@@ -74,12 +72,74 @@ private slots:
 
         // glog writes every line into the INFO file of the log folder as well.
         QByteArray written;
-        QDirIterator it(home.filePath(QStringLiteral("log")), {QStringLiteral("*INFO*")}, QDir::Files | QDir::NoSymLinks);
+        QDirIterator it(home.filePath(QStringLiteral("log")), {QStringLiteral("*.log")}, QDir::Files | QDir::NoSymLinks);
         while (it.hasNext()) {
             QFile file(it.next());
             written += file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
         }
         QCOMPARE(KvTest::logged(written, QStringLiteral("command: ")), commands);
+    }
+
+    // Help and version are answered before anything starts: printed on stdout, exit 0, no
+    // editor, no log file. Files beside them are not opened.
+    void helpAndVersion_data()
+    {
+        QTest::addColumn<QString>("program");
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<QString>("printed");
+        QTest::newRow("klipvane --help") << "klipvane" << QStringList{"--help", "a.mp4"} << "Usage: klipvane";
+        QTest::newRow("klipvane -h") << "klipvane" << QStringList{"-h"} << "--mode <mode>";
+        QTest::newRow("klipvane --version") << "klipvane" << QStringList{"a.mp4", "--version"} << "klipvane 0.";
+        QTest::newRow("kvprobe --help") << "kvprobe" << QStringList{"--help"} << "usage: kvprobe";
+        QTest::newRow("kvprobe --version") << "kvprobe" << QStringList{"--version", "a.mp4"} << "kvprobe 0.";
+    }
+
+    void helpAndVersion()
+    {
+        QFETCH(QString, program);
+        QFETCH(QStringList, arguments);
+        QFETCH(QString, printed);
+        QTemporaryDir home;
+        QProcess process;
+        process.setProcessEnvironment(KvTest::hostEnvironment(home));
+        process.setWorkingDirectory(m_root);
+        process.start(KvTest::builtProgram(program), arguments);
+        QVERIFY(process.waitForFinished(10000));
+        const QByteArray out = process.readAllStandardOutput();
+        QVERIFY2(process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0,
+                 process.readAllStandardError().constData());
+        QVERIFY2(out.contains(printed.toUtf8()), out.constData());
+        QCOMPARE(QDir(home.filePath(QStringLiteral("log"))).entryList(QDir::Files), QStringList());
+    }
+
+    // A launch that hands its files to the running editor leaves no log file of its own; a
+    // newline in a file name stays inside its log line.
+    void handOffLeavesOnlyTheEditorsLog()
+    {
+        QTemporaryDir home;
+        const QString clip = m_root + QStringLiteral("/line\nbreak.mp4");
+        QVERIFY(QFile::copy(m_root + QStringLiteral("/a.mp4"), clip));
+        KvTest::Host editor(KvTest::hostEnvironment(home), KvTest::builtProgram(QStringLiteral("klipvane")),
+                            {QStringLiteral("--quit-after-ready"), QStringLiteral("20000")});
+        QVERIFY2(editor.waitForLog("] startup: "), editor.log().constData());
+        const QDir logs(home.filePath(QStringLiteral("log")));
+        QCOMPARE(logs.entryList(QDir::Files).size(), 1);
+
+        QProcess second;
+        second.setProcessEnvironment(KvTest::hostEnvironment(home));
+        second.start(KvTest::builtProgram(QStringLiteral("klipvane")), {clip});
+        QVERIFY(second.waitForFinished(10000));
+        QCOMPARE(second.exitCode(), 0);
+        QVERIFY2(editor.waitForLog("] command: AddFiles ", 5000), editor.log().constData());
+        editor.terminate();
+        QVERIFY(editor.waitForFinished(5000));
+
+        const QStringList files = logs.entryList(QDir::Files);
+        QCOMPARE(files.size(), 1);
+        QFile written(logs.filePath(files.first()));
+        QVERIFY(written.open(QIODevice::ReadOnly));
+        const QStringList added = KvTest::logged(written.readAll(), QStringLiteral("command: AddFiles "));
+        QCOMPARE(added, QStringList{QString(clip).replace(QLatin1Char('\n'), QStringLiteral("\\n"))});
     }
 };
 

@@ -35,15 +35,6 @@ if [ "$seconds" = 0 ]; then
     exec "$out/fuzz_frame" "$@"
 fi
 
-: > "$out/run.stamp"
-status=0
-ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
-"$out/fuzz_frame" -max_total_time="$seconds" -max_len=4096 -timeout=10 -rss_limit_mb=2048 -dict="$here/frame.dict" \
-    -artifact_prefix="$out/crashes/" -print_final_stats=1 "$out/corpus" "$out/seeds" > "$out/last_run.log" 2>&1 || status=$?
-grep -E '^(stat::number_of_executed_units|#[0-9]+ +DONE)' "$out/last_run.log" || true
-if [ "$status" -ne 0 ]; then
-    tail -n 60 "$out/last_run.log" >&2
-    find "$out/crashes" -type f -newer "$out/run.stamp" -exec echo "  replay: $0 $out 0 {}" \; >&2
-    fail "the fuzz target failed (status $status); full log: $out/last_run.log"
-fi
-echo "run_frame_fuzzer: no failure in ${seconds}s; corpus: $(ls "$out/corpus" | wc -l) inputs"
+. "$here/fuzz_run.sh"
+run_target "$out/fuzz_frame" "$seconds" "$out/corpus" "$out/seeds" "$out/crashes" "$out/last_run.log" \
+    -max_len=4096 -dict="$here/frame.dict"

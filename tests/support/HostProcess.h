@@ -3,7 +3,9 @@
 #include <QByteArray>
 #include <QCoreApplication>
 #include <QDir>
+#include <QDeadlineTimer>
 #include <QFile>
+#include <QProcess>
 #include <QProcessEnvironment>
 #include <QRegularExpression>
 #include <QStringList>
@@ -28,7 +30,8 @@ inline QProcessEnvironment hostEnvironment(const QTemporaryDir& home)
     environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
     const std::pair<const char*, const char*> folders[] = {
         {"config", "KLIPVANE_CONFIG_DIR"}, {"log", "KLIPVANE_LOG_DIR"},
-        {"runtime", "XDG_RUNTIME_DIR"}, {"ipc", "KLIPVANE_IPC_DIR"}};
+        {"runtime", "XDG_RUNTIME_DIR"}, {"ipc", "KLIPVANE_IPC_DIR"},
+        {"cache", "XDG_CACHE_HOME"}};
     for (const auto& [sub, variable] : folders) {
         const QString folder = home.filePath(QString::fromLatin1(sub));
         QDir().mkpath(folder);
@@ -52,5 +55,40 @@ inline QStringList logged(const QByteArray& log, const QString& prefix)
     }
     return found;
 }
+
+// A host process whose stderr (its log) is collected as it goes. Ends the process it started
+// when it goes out of scope.
+class Host : public QProcess
+{
+public:
+    Host(const QProcessEnvironment& environment, const QString& program, const QStringList& arguments)
+    {
+        setProcessEnvironment(environment);
+        start(program, arguments);
+    }
+    ~Host() override
+    {
+        if (state() == NotRunning)
+            return;
+        terminate();
+        if (!waitForFinished(5000)) {
+            kill();
+            waitForFinished(5000);
+        }
+    }
+
+    // Waits until the log contains `text`; false when the time is up or the process ended.
+    bool waitForLog(const QByteArray& text, int timeoutMs = 20000)
+    {
+        const QDeadlineTimer deadline(timeoutMs);
+        while (!log().contains(text) && !deadline.hasExpired() && state() != NotRunning)
+            waitForReadyRead(50);
+        return log().contains(text);
+    }
+    const QByteArray& log() { return m_log += readAllStandardError(); }
+
+private:
+    QByteArray m_log;
+};
 
 } // namespace KvTest

@@ -5,8 +5,9 @@
 #include <QTemporaryDir>
 
 // Included in a test's .cpp, points every per-user folder of the process (configuration,
-// logs, runtime, IPC sockets) at a throw-away folder before main() runs: a test never touches
-// the user's files, tests run in parallel, and children started by a test inherit it.
+// logs, runtime, IPC sockets, the desktop's caches) at a throw-away folder before main()
+// runs: a test never touches the user's files, tests run in parallel, and children started
+// by a test inherit it.
 namespace KvTest {
 
 inline QTemporaryDir& sandbox()
@@ -19,7 +20,8 @@ inline void enterSandbox()
 {
     const std::pair<const char*, const char*> folders[] = {
         {"config", "KLIPVANE_CONFIG_DIR"}, {"log", "KLIPVANE_LOG_DIR"},
-        {"runtime", "XDG_RUNTIME_DIR"}, {"ipc", "KLIPVANE_IPC_DIR"}};
+        {"runtime", "XDG_RUNTIME_DIR"}, {"ipc", "KLIPVANE_IPC_DIR"},
+        {"cache", "XDG_CACHE_HOME"}};
     for (const auto& [sub, variable] : folders) {
         const QString folder = sandbox().filePath(QLatin1String(sub));
         QDir().mkpath(folder);

@@ -12,6 +12,8 @@
 #   hdr10.mp4        H.265 tagged HDR10: PQ transfer, BT.2020 primaries and matrix
 #   hdr_h264.mp4     H.264 tagged HLG (opens, is HDR)
 #   audio.m4a        AAC audio only
+#   clip.y4m         raw 64x36 video (a text header that tests damage on purpose)
+#   tone.wav         PCM audio, 44.1 kHz mono
 #   still.png        a still picture
 #   truncated.mp4    the first third of h264_1080p.mp4
 #   text.mp4         plain text renamed
@@ -34,6 +36,8 @@ tiny hdr10.mp4 $x265 -pix_fmt yuv420p10le $bt2020 -color_trc smpte2084 \
      -x265-params log-level=error:hdr10=1:colorprim=bt2020:transfer=smpte2084:colormatrix=bt2020nc
 tiny hdr_h264.mp4 $x264 $bt2020 -color_trc arib-std-b67
 ff $sine -c:a aac "$out/audio.m4a"
+tiny clip.y4m -pix_fmt yuv420p
+ff $sine "$out/tone.wav"
 ff -f lavfi -i testsrc2=size=64x36:rate=1 -frames:v 1 "$out/still.png"
 size=$(wc -c < "$out/h264_1080p.mp4")
 head -c $((size / 3)) "$out/h264_1080p.mp4" > "$out/truncated.mp4"

@@ -84,8 +84,8 @@ QJsonObject fileEntry(const Media::File* file)
         {QStringLiteral("errors"), errors},
         {QStringLiteral("error"), QJsonValue::Null},
     };
-    if (!file->errors().empty())
-        entry[QStringLiteral("error")] = Error::describeTranscodingError(file->errors().front(), Error::Analyze);
+    if (file->isFailed())
+        entry[QStringLiteral("error")] = Error::describeFailedFile(*file);
     return entry;
 }
 

@@ -24,6 +24,8 @@
 #include <glog/logging.h>
 
 #include <cstdio>
+#include <cstring>
+#include <initializer_list>
 #include <optional>
 
 namespace {
@@ -57,26 +59,51 @@ void registerProbeServices()
         LOG(INFO) << "kvprobe runs without the product description: " << problem.toStdString();
 }
 
-void printUsage()
+void printUsage(std::FILE* to)
 {
-    std::fputs("usage: kvprobe FILE...\n"
-               "Opens the files as the editor would and prints the outcome as JSON.\n",
-               stderr);
+    std::fputs("usage: kvprobe [--] FILE...\n"
+               "Opens the files as the editor would and prints the outcome as JSON.\n"
+               "\n"
+               "Options:\n"
+               "  -h, --help     print this help and exit\n"
+               "  -v, --version  print the version and exit\n"
+               "  --             the arguments after it are files, even if they start with a dash\n",
+               to);
+}
+
+bool isOption(const char* argument, std::initializer_list<const char*> names)
+{
+    for (const char* name : names) {
+        if (std::strcmp(argument, name) == 0)
+            return true;
+    }
+    return false;
 }
 
 } // namespace
 
 int main(int argc, char** argv)
 {
+    // Answered before anything starts, so asking for help leaves no log file behind.
+    for (int i = 1; i < argc && std::strcmp(argv[i], "--") != 0; ++i) {
+        if (isOption(argv[i], {"--help", "-h", "-?"})) {
+            printUsage(stdout);
+            return 0;
+        }
+        if (isOption(argv[i], {"--version", "-v"})) {
+            std::fputs("kvprobe " KLIPVANE_VERSION "\n", stdout);
+            return 0;
+        }
+    }
     Tavrin::Log::init(argv[0]);
     QCoreApplication application(argc, argv);
     QCoreApplication::setOrganizationName(QStringLiteral("Klipvane"));
     QCoreApplication::setApplicationName(QStringLiteral("kvprobe"));
 
     QStringList paths = QCoreApplication::arguments().mid(1);
-    if (paths.isEmpty() || paths.contains(QStringLiteral("--help")) || paths.contains(QStringLiteral("-h"))) {
-        printUsage();
-        return paths.isEmpty() ? 2 : 0;
+    if (paths.isEmpty()) {
+        printUsage(stderr);
+        return 2;
     }
     // "--" ends options, so files whose names start with a dash can be probed.
     if (paths.first() == QLatin1String("--"))

@@ -23,6 +23,8 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace {
 template <class Widget>
 Widget* make(QWidget* parent, const char* name)
@@ -309,15 +311,26 @@ UnsupportedCodecInfoDialog::UnsupportedCodecInfoDialog(QStringList const& files,
     QLabel* messageLabel = richLabel(contentFrame, "messageLabel", m_message);
     messageLabel->setMinimumWidth(380);
     content->addWidget(messageLabel);
-    QStringList names;
-    for (QString const& file : files)
-        names << file.section(QLatin1Char('/'), -1).toHtmlEscaped();
-    if (!names.isEmpty()) {
-        QLabel* filesLabel = make<QLabel>(contentFrame, "filesLabel");
-        filesLabel->setTextFormat(Qt::RichText);
-        filesLabel->setWordWrap(true);
-        filesLabel->setText(names.join(QStringLiteral("<br>")));
-        content->addWidget(filesLabel);
+    // One row per path, sorted; a long list scrolls inside a few rows so that the dialog
+    // fits a small screen whatever the number of files.
+    QStringList paths = files;
+    paths.removeDuplicates();
+    std::sort(paths.begin(), paths.end(),
+              [](QString const& a, QString const& b) { return QString::localeAwareCompare(a, b) < 0; });
+    if (!paths.isEmpty()) {
+        constexpr int rowsShownAtMost = 8;
+        QListWidget* filesList = make<QListWidget>(contentFrame, "filesList");
+        filesList->setSelectionMode(QAbstractItemView::NoSelection);
+        filesList->setFocusPolicy(Qt::NoFocus);
+        filesList->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+        filesList->setTextElideMode(Qt::ElideMiddle);
+        for (QString const& path : qAsConst(paths)) {
+            auto* item = new QListWidgetItem(path.section(QLatin1Char('/'), -1), filesList);
+            item->setToolTip(path);
+        }
+        const int rows = std::min(int(paths.size()), rowsShownAtMost);
+        filesList->setFixedHeight(rows * filesList->sizeHintForRow(0) + 2 * filesList->frameWidth());
+        content->addWidget(filesList);
     }
     layout->addWidget(contentFrame);
     layout->addWidget(gotItButtons(this));

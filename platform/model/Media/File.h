@@ -44,6 +44,12 @@ class File
 {
 public:
     enum class State { Opening, Opened, Failed };
+    // What was wrong with the path itself, beyond the error code's "corrupted or missing".
+    enum class PathProblem {
+        None,
+        UnreadableName, // the name's bytes are not valid in the system's encoding (UTF-8)
+        SymlinkLoop,    // symbolic links that lead back to themselves
+    };
 
     explicit File(const QString& path = QString()) : m_path(path) {}
     virtual ~File() = default;
@@ -61,7 +67,8 @@ public:
 
     // Codec identifiers of streams the editor cannot decode.
     QStringList unsupportedCodecs() const { return m_unsupported; }
-    // True when a video stream uses a high-dynamic-range transfer (PQ or HLG).
+    // True when a video stream uses a high-dynamic-range transfer (PQ or HLG). A failed file
+    // shows nothing, so it has no HDR streams to convert.
     bool hasHDRStreams() const;
     static bool hasHDRStreams(const File* file) { return file && file->hasHDRStreams(); }
 
@@ -77,6 +84,8 @@ public:
     // opening and when opened).
     const std::vector<Tavrin::Proc::ProcessingError>& errors() const { return m_errors; }
     void setErrors(std::vector<Tavrin::Proc::ProcessingError> errors) { m_errors = std::move(errors); }
+    PathProblem pathProblem() const { return m_pathProblem; }
+    void setPathProblem(PathProblem problem) { m_pathProblem = problem; }
     // Size in bytes and the container's overall bit rate (0 when unknown).
     qint64 fileSize() const { return m_size; }
     void setFileSize(qint64 size) { m_size = size; }
@@ -94,10 +103,13 @@ private:
     std::vector<Tavrin::Proc::ProcessingError> m_errors;
     qint64 m_size = 0;
     qint64 m_bitRate = 0;
+    PathProblem m_pathProblem = PathProblem::None;
 };
 
 inline bool File::hasHDRStreams() const
 {
+    if (isFailed())
+        return false;
     for (const VideoTrack& track : m_video)
         if (track.transfer == QLatin1String("smpte2084") || track.transfer == QLatin1String("arib-std-b67"))
             return true;

@@ -2,6 +2,9 @@
 
 #include "Media/FileView.h"
 
+#include <Util/Mailbox.h>
+
+#include <QCoreApplication>
 #include <QHash>
 #include <QMutex>
 #include <QPointer>
@@ -10,31 +13,36 @@
 #include <glog/logging.h>
 
 #include <algorithm>
+#include <atomic>
+#include <functional>
 #include <list>
 #include <unordered_map>
 
 namespace Media {
 namespace {
 
-QThreadPool& mediaThreadPool()
-{
-    // Opening is mostly waiting for the disk, so a few more threads than cores pay off.
-    static QThreadPool* pool = [] {
-        auto* threads = new QThreadPool;
-        threads->setMaxThreadCount(std::max(4, QThread::idealThreadCount() * 2));
-        threads->setExpiryTimeout(5000);
-        return threads;
-    }();
-    return *pool;
-}
+// The media thread pool, made on first use. Opening reads process-wide objects (the format
+// configuration, the reader module, the log), so no opening may outlive them: the threads
+// are drained by a post routine of the application object, which runs before main()
+// returns, never after the statics are gone.
+QMutex workersMutex;
+QThreadPool* workerThreads = nullptr;
+std::atomic<bool> workersStopping{false};
+std::atomic<int> openingsRunning{0};
 
-// Where workers deliver results. The pool clears the receiver when it dies; a worker holds
-// the lock while it posts, so it never posts to a half-destroyed pool.
-struct Mailbox
+void startWorker(std::function<void()> job)
 {
-    QMutex mutex;
-    QObject* receiver = nullptr;
-};
+    QMutexLocker lock(&workersMutex);
+    if (!workerThreads) {
+        workerThreads = new QThreadPool;
+        // Opening is mostly waiting for the disk, so a few more threads than cores pay off.
+        workerThreads->setMaxThreadCount(std::max(4, QThread::idealThreadCount() * 2));
+        workerThreads->setExpiryTimeout(5000);
+        if (QCoreApplication::instance())
+            qAddPostRoutine(&FilePool::drainWorkers);
+    }
+    workerThreads->start(std::move(job));
+}
 
 } // namespace
 
@@ -50,7 +58,9 @@ struct FilePool::Impl
     quint64 nextJob = 1;
     std::vector<FileView*> views;
     std::vector<std::unique_ptr<File>> removed; // deleted on the next event-loop turn
-    std::shared_ptr<Mailbox> mailbox = std::make_shared<Mailbox>();
+    // Where workers deliver results; closed when the pool dies, which also cancels its
+    // openings: queued ones never start, running ones are interrupted.
+    std::shared_ptr<Tavrin::Util::Mailbox> mailbox;
 
     File* find(const File* file) const
     {
@@ -79,16 +89,16 @@ struct FilePool::Impl
         openingJobs[file] = job;
         jobFiles[job] = file;
         const QString path = file->filePath();
-        std::shared_ptr<Mailbox> box = mailbox;
-        mediaThreadPool().start([box, job, path] {
-            OpenResult result = openFile(path);
-            QMutexLocker lock(&box->mutex);
-            if (!box->receiver)
+        std::shared_ptr<Tavrin::Util::Mailbox> box = mailbox;
+        FilePool* pool = q;
+        startWorker([box, pool, job, path] {
+            const auto cancelled = [&box] { return workersStopping.load() || box->isClosed(); };
+            if (cancelled())
                 return;
-            auto* pool = static_cast<FilePool*>(box->receiver);
-            QMetaObject::invokeMethod(
-                pool, [pool, job, result = std::move(result)] { pool->d->deliver(job, result); },
-                Qt::QueuedConnection);
+            ++openingsRunning;
+            OpenResult result = openFile(path, 20000, cancelled);
+            --openingsRunning;
+            box->post([pool, job, result = std::move(result)] { pool->d->deliver(job, result); });
         });
     }
 
@@ -113,16 +123,13 @@ struct FilePool::Impl
 FilePool::FilePool(QObject* parent) : QObject(parent), d(std::make_unique<Impl>())
 {
     d->q = this;
-    d->mailbox->receiver = this;
+    d->mailbox = std::make_shared<Tavrin::Util::Mailbox>(this);
     qRegisterMetaType<const Media::File*>();
 }
 
 FilePool::~FilePool()
 {
-    {
-        QMutexLocker lock(&d->mailbox->mutex);
-        d->mailbox->receiver = nullptr;
-    }
+    d->mailbox->close();
     // Views hear of every file leaving, so none keeps a pointer past the pool.
     while (!d->files.empty())
         removeFile(d->files.back().get());
@@ -208,6 +215,23 @@ QList<const File*> FilePool::files() const
 bool FilePool::contains(const File* file) const
 {
     return d->find(file) != nullptr;
+}
+
+void FilePool::drainWorkers()
+{
+    QThreadPool* threads = nullptr;
+    {
+        QMutexLocker lock(&workersMutex);
+        threads = std::exchange(workerThreads, nullptr);
+    }
+    if (!threads)
+        return;
+    workersStopping = true;
+    threads->clear();
+    const int running = openingsRunning;
+    delete threads; // waits for the running openings, which the flag interrupts
+    workersStopping = false;
+    LOG(INFO) << "Media openings stopped: " << running << " interrupted";
 }
 
 int FilePool::openingCount() const

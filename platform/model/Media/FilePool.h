@@ -46,6 +46,13 @@ public:
     bool contains(const File* file) const;
     int openingCount() const;
 
+    // Ends the openings still running in every pool (their results are dropped) and waits
+    // for the media threads. It runs by itself when the application object is destroyed,
+    // so no opening reads the process's statics after main() returns; a program without an
+    // application object calls it before returning from main(). Opening starts again on the
+    // next addFile().
+    static void drainWorkers();
+
     void addView(FileView* view);
     void removeView(FileView* view);
 

@@ -10,6 +10,7 @@
 
 #include <QStringList>
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -23,8 +24,12 @@ struct ProbeResult
     std::string errorMessage;  // the engine's words, for logs
     QString format;            // container name for people ("QuickTime / MOV")
     QString formatId;          // container short name ("mov,mp4,m4a,3gp,3g2,mj2")
+    // Established by the reader: the container's figure when the file's size makes it
+    // plausible, else the streams' own, else the end of the last packets; 0 when none holds.
     MediaTime duration;
     qint64 bitRate = 0;
+    qint64 fileSize = 0;       // bytes, 0 when the input cannot tell
+    bool stillPicture = false; // read by a picture demuxer: one frame, no duration needed
     // Tracks in stream order, with the engine's codec names; whether the engine has a
     // decoder for each track runs parallel to them.
     std::vector<VideoTrack> video;
@@ -33,13 +38,51 @@ struct ProbeResult
     std::vector<bool> audioDecodable;
 };
 
+// What a stream must look like to be usable. A damaged header gives frames of 0 or 99999
+// pixels a side, 12,800 frames per second, no sample rate: such a stream is not one the
+// editor can show or play, whatever its codec.
+constexpr int maxFrameSide = 16384;
+constexpr double minFrameRate = 0.01; // a time-lapse of one frame every 100 s
+constexpr double maxFrameRate = 1000; // beyond the fastest high-speed recordings people edit
+constexpr int maxSampleRate = 768000;
+constexpr int maxChannels = 64;       // seventh-order ambisonics
+// No stream stores a second of media in fewer bytes than this, headers and indexes included;
+// a duration needing less is a damaged figure (a 16 KB file claiming years).
+constexpr qint64 minBytesPerSecond = 16;
+
+inline bool plausibleFrameSize(const QSize& size)
+{
+    return size.width() >= 1 && size.width() <= maxFrameSide && size.height() >= 1 && size.height() <= maxFrameSide;
+}
+
+inline bool plausibleVideo(const VideoTrack& track, bool stillPicture)
+{
+    return plausibleFrameSize(track.frameSize)
+        && (stillPicture || (track.frameRate >= minFrameRate && track.frameRate <= maxFrameRate));
+}
+
+inline bool plausibleAudio(const AudioTrack& track)
+{
+    return track.sampleRate >= 1 && track.sampleRate <= maxSampleRate && track.channels >= 1
+        && track.channels <= maxChannels;
+}
+
+// A positive duration that `fileSize` bytes can hold (any positive one when the size is unknown).
+inline bool plausibleDuration(MediaTime duration, qint64 fileSize)
+{
+    if (duration.microseconds() <= 0)
+        return false;
+    return fileSize <= 0 || duration.microseconds() / 1000000 <= fileSize / minBytesPerSecond;
+}
+
 class IMediaReader
 {
 public:
     virtual ~IMediaReader() = default;
     // Reads the container and its streams' parameters. Safe to call from several threads
-    // at once; never throws; gives up on an input that stalls for longer than `timeoutMs`.
-    virtual ProbeResult probe(const QString& path, int timeoutMs) = 0;
+    // at once; never throws; gives up on an input that stalls for longer than `timeoutMs`,
+    // and as soon as `cancelled` (when given) returns true.
+    virtual ProbeResult probe(const QString& path, int timeoutMs, const std::function<bool()>& cancelled) = 0;
 };
 
 using CreateFunction = IMediaReader* (*)();

@@ -4,14 +4,17 @@
 
 #include <Conf/Codecs.h>
 
+#include <QFile>
 #include <QFileInfo>
 #include <QLibrary>
 
 #include <glog/logging.h>
 
 #include <atomic>
+#include <cerrno>
 #include <dlfcn.h>
 #include <mutex>
+#include <sys/stat.h>
 
 namespace Media {
 namespace {
@@ -45,6 +48,9 @@ std::atomic<bool> readerLoaded{false};
 
 struct ReaderModule
 {
+    // Never deleted nor unloaded: a reader may still be in use while the process ends. Kept
+    // here, it stays reachable (the leak checker then knows it is meant).
+    QLibrary* library = nullptr;
     Reader::IMediaReader* reader = nullptr;
     std::string problem;
 };
@@ -55,8 +61,8 @@ ReaderModule& readerModule()
     static std::once_flag once;
     std::call_once(once, [] {
         const QString path = mediaReaderPath();
-        // Never unloaded: worker threads may still be inside it when the process ends.
-        auto* library = new QLibrary(path);
+        module.library = new QLibrary(path);
+        QLibrary* library = module.library;
         auto create = reinterpret_cast<Reader::CreateFunction>(library->resolve(Reader::CreateFunctionName));
         if (!create) {
             module.problem = "The media reader module could not be loaded: " + library->errorString().toStdString();
@@ -82,6 +88,7 @@ void OpenResult::applyTo(File& file) const
     file.setAudioTracks(audio);
     file.setUnsupportedCodecs(unsupportedCodecs);
     file.setErrors(errors);
+    file.setPathProblem(pathProblem);
     file.setState(state);
 }
 
@@ -109,6 +116,7 @@ OpenResult evaluate(const QString& path, const Reader::ProbeResult& probe)
     result.bitRate = probe.bitRate;
     int counted = 0;
     int usable = 0;
+    int damaged = 0; // streams whose parameters no real stream has; left out of the file
     auto judge = [&](QString& codecId, bool decodable) {
         codecId = Tavrin::Conf::codecIdFromEngineName(codecId);
         ++counted;
@@ -119,41 +127,67 @@ OpenResult evaluate(const QString& path, const Reader::ProbeResult& probe)
     };
     for (std::size_t i = 0; i < probe.video.size(); ++i) {
         VideoTrack track = probe.video[i];
-        if (track.isCoverArt())
+        if (track.isCoverArt()) {
             track.codecId = Tavrin::Conf::codecIdFromEngineName(track.codecId);
-        else
+        } else if (!Reader::plausibleVideo(track, probe.stillPicture)) {
+            ++damaged;
+            continue;
+        } else {
             judge(track.codecId, i < probe.videoDecodable.size() && probe.videoDecodable[i]);
+        }
         result.video.push_back(track);
     }
     for (std::size_t i = 0; i < probe.audio.size(); ++i) {
         AudioTrack track = probe.audio[i];
+        if (!Reader::plausibleAudio(track)) {
+            ++damaged;
+            continue;
+        }
         judge(track.codecId, i < probe.audioDecodable.size() && probe.audioDecodable[i]);
         result.audio.push_back(track);
     }
 
+    result.state = File::State::Failed;
     if (counted == 0) {
-        result.state = File::State::Failed;
-        result.errors.push_back(
-            makeError(TranscodingErrors::InputCorruptedOrMissing, "No audio or video stream", path, __LINE__));
+        result.errors.push_back(makeError(TranscodingErrors::InputCorruptedOrMissing,
+                                          damaged ? "No stream with plausible parameters" : "No audio or video stream",
+                                          path, __LINE__));
     } else if (usable == 0) {
-        result.state = File::State::Failed;
         result.errors.push_back(makeError(TranscodingErrors::UnsupportedCodec,
                                           "No stream with a supported codec: "
                                               + result.unsupportedCodecs.join(QLatin1Char(',')).toStdString(),
                                           path, __LINE__));
+    } else if (!probe.stillPicture && !Reader::plausibleDuration(probe.duration, probe.fileSize)) {
+        result.duration = MediaTime();
+        result.errors.push_back(
+            makeError(TranscodingErrors::InputCorruptedOrMissing, "No plausible duration", path, __LINE__));
     } else {
         result.state = File::State::Opened;
     }
     return result;
 }
 
-OpenResult openFile(const QString& path, int timeoutMs)
+OpenResult openFile(const QString& path, int timeoutMs, const std::function<bool()>& cancelled)
 {
     // Cheap checks first: they spare loading the reader for the plainly unusable, and keep
     // FFmpeg away from things that would block it (a FIFO never delivers end of file).
+    struct stat status{};
+    if (::stat(QFile::encodeName(path).constData(), &status) != 0) {
+        const int error = errno;
+        const char* message = error == ENOENT ? "No such file"
+            : error == ELOOP                  ? "Symbolic link loop"
+            : error == EACCES                 ? "Permission denied"
+                                              : "Cannot read the file's status";
+        OpenResult result = failure(path, TranscodingErrors::InputCorruptedOrMissing, message, __LINE__);
+        // A name read from a folder whose bytes are not UTF-8 comes with replacement
+        // characters and names nothing; saying "missing" would send the user looking for it.
+        if (error == ELOOP)
+            result.pathProblem = File::PathProblem::SymlinkLoop;
+        else if (error == ENOENT && path.contains(QChar::ReplacementCharacter))
+            result.pathProblem = File::PathProblem::UnreadableName;
+        return result;
+    }
     const QFileInfo info(path);
-    if (!info.exists())
-        return failure(path, TranscodingErrors::InputCorruptedOrMissing, "No such file", __LINE__);
     if (info.isDir())
         return failure(path, TranscodingErrors::InputCorruptedOrMissing, "Is a folder", __LINE__);
     if (!info.isFile())
@@ -166,7 +200,7 @@ OpenResult openFile(const QString& path, int timeoutMs)
     ReaderModule& module = readerModule();
     if (!module.reader)
         return failure(path, TranscodingErrors::CodecUnavailable, module.problem, __LINE__);
-    OpenResult result = evaluate(path, module.reader->probe(path, timeoutMs));
+    OpenResult result = evaluate(path, module.reader->probe(path, timeoutMs, cancelled));
     result.fileSize = info.size();
     return result;
 }

@@ -4,6 +4,8 @@
 
 #include <QString>
 
+#include <functional>
+
 namespace Media {
 
 namespace Reader {
@@ -22,21 +24,26 @@ struct OpenResult
     std::vector<AudioTrack> audio;
     QStringList unsupportedCodecs;
     std::vector<Tavrin::Proc::ProcessingError> errors;
+    File::PathProblem pathProblem = File::PathProblem::None;
 
     void applyTo(File& file) const;
 };
 
 // Opens `path` on the calling thread (never the GUI thread: it reads the file and may load
 // the reader module). Never throws; a failure is an OpenResult in state Failed with its
-// errors. `timeoutMs` bounds how long a stalled input (a hung network share) may take.
-OpenResult openFile(const QString& path, int timeoutMs = 20000);
+// errors. `timeoutMs` bounds how long a stalled input (a hung network share) may take;
+// `cancelled`, when given, is asked while the file is read and ends the opening early.
+OpenResult openFile(const QString& path, int timeoutMs = 20000, const std::function<bool()>& cancelled = {});
 
 // The rule that turns what the reader saw into opened or failed (docs/media-model.md):
 // - tracks that count are audio tracks and video tracks that are not cover art;
 // - a counted track is unusable when the engine has no decoder for it or the format
 //   configuration declares its codec unsupported; its codec joins unsupportedCodecs;
+// - a stream whose parameters no real stream has (a side of 0 or over 16384 pixels, an
+//   absurd frame rate, no sample rate or channels) is left out, as if absent;
 // - no counted track at all: failed, input corrupted or missing (36);
 // - counted tracks but none usable: failed, unsupported codec (11);
+// - no plausible duration, unless a still picture: failed, input corrupted or missing (36);
 // - otherwise opened, possibly with unsupported codecs.
 OpenResult evaluate(const QString& path, const Reader::ProbeResult& probe);
 

@@ -3,6 +3,10 @@
 #include "Util/StyleHint.h"
 #include "Util/Workaround.h"
 
+#include <QPushButton>
+
+#include <algorithm>
+
 namespace Tavrin {
 namespace Util {
 namespace {
@@ -47,6 +51,16 @@ AlertBox::AlertBox(AlertLevel level, const QString& title, const QString& text, 
 }
 
 AlertBox::~AlertBox() = default;
+
+void AlertBox::showEvent(QShowEvent* event)
+{
+    // The style sheet's "min-width" becomes each button's minimum width, below what a long
+    // text (a German "Nicht speichern") needs, and QMessageBox fixes its size to its layout's
+    // minimum: the buttons were squeezed and their texts cut off.
+    for (QPushButton* button : findChildren<QPushButton*>())
+        button->setMinimumWidth(std::max(button->minimumWidth(), button->sizeHint().width()));
+    QMessageBox::showEvent(event);
+}
 
 QMessageBox::StandardButton AlertBox::Exec()
 {

@@ -37,6 +37,9 @@ public:
                                             QMessageBox::StandardButtons buttons, QWidget* parent = nullptr,
                                             Qt::WindowFlags flags = Qt::Dialog | Qt::MSWindowsFixedSizeDialogHint);
 
+protected:
+    void showEvent(QShowEvent* event) override;
+
 private:
     AlertLevel m_level;
 };

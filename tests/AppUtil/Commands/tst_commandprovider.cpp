@@ -3,7 +3,10 @@
 #include <EditorCollection/Collection.h>
 #include <Launcher/Launcher.h>
 
+#include <QDir>
 #include <QFile>
+#include <QRegularExpression>
+#include <QThreadPool>
 #include <QMap>
 #include <QTemporaryDir>
 #include <QTemporaryFile>
@@ -202,6 +205,74 @@ private slots:
         QVERIFY(!provider.hasPendingFiles());
         QCOMPARE(m_log, at({"AddFiles @a.mp4", "AddFiles @b.MOV", "AddFiles @c.png @a.mp4", "ShowImportPage",
                             "ShowToolsPage", "HideMainWindow", "ShowMainWindow", "collection Effects"}));
+    }
+
+    // A folder is expanded off the GUI thread: the replay returns at once, and the commands
+    // after the folder's files wait for them, so the order is the one the rules give.
+    void foldersExpandInOrderOffTheGuiThread()
+    {
+        QTemporaryDir folder;
+        for (const char* name : {"x/2.mp4", "x/1.png", "y/z/3.MOV", "notes.txt"}) {
+            QVERIFY(QDir().mkpath(QFileInfo(folder.filePath(name)).path()));
+            QFile file(folder.filePath(name));
+            QVERIFY(file.open(QIODevice::WriteOnly) && file.write("not really media") > 0);
+        }
+        setCommandLine({"--mode", "slideshow", "@a.mp4", folder.path()});
+        CommandProvider provider;
+        CommandLog commands(m_log);
+        request(provider, {"show", "tools"});
+        PubSub::publish(Command::ReadyNotification());
+        QCOMPARE(m_log, QStringList{"StartSlideshow"});
+        request(provider, {"file:@c.png", "hide"});
+        QCOMPARE(m_log, QStringList{"StartSlideshow"});
+        QVERIFY(QTest::qWaitFor([&] { return m_log.size() == 6; }));
+        const QString found = QStringList{"x/1.png", "x/2.mp4", "y/z/3.MOV"}.replaceInStrings(QRegularExpression("^"), folder.path() + '/').join(' ');
+        QCOMPARE(m_log, at({"StartSlideshow", "AddFiles @a.mp4 " + found, "ShowMainWindow", "ShowToolsPage",
+                            "AddFiles @c.png", "HideMainWindow"}));
+        // Nothing waits any more: requests are published at once again.
+        request(provider, {"show"});
+        QCOMPARE(m_log.last(), QString("ShowMainWindow"));
+    }
+
+    // A large folder's files arrive in slices, one per event-loop turn, so that adding them
+    // never holds the GUI thread for long; the order stays.
+    void largeFoldersArriveInSlices()
+    {
+        QTemporaryDir folder;
+        QStringList expected;
+        for (int i = 0; i < 450; ++i) {
+            expected << folder.filePath(QString("clip%1.mp4").arg(i, 3, 10, QChar('0')));
+            QFile file(expected.last());
+            QVERIFY(file.open(QIODevice::WriteOnly) && file.write("x") == 1);
+        }
+        setCommandLine({folder.path()});
+        CommandProvider provider;
+        CommandLog commands(m_log);
+        PubSub::publish(Command::ReadyNotification());
+        provider.showMainWindow();
+        QVERIFY(QTest::qWaitFor([&] { return !m_log.isEmpty(); }));
+        QCOMPARE(m_log.size(), 1); // one slice per turn
+        QVERIFY(QTest::qWaitFor([&] { return m_log.size() == 4; }));
+        QCOMPARE(m_log.last(), QString("ShowMainWindow"));
+        QStringList added;
+        for (const QString& command : m_log.mid(0, 3)) {
+            QVERIFY(command.startsWith("AddFiles "));
+            added << command.mid(9).split(' ');
+        }
+        QCOMPARE(added, expected);
+    }
+
+    void destroyedWhileExpandingPublishesNothing()
+    {
+        setCommandLine({m_dir.path()});
+        CommandLog commands(m_log);
+        {
+            CommandProvider provider;
+            PubSub::publish(Command::ReadyNotification());
+        }
+        QThreadPool::globalInstance()->waitForDone();
+        QCoreApplication::sendPostedEvents();
+        QVERIFY(m_log.isEmpty());
     }
 
     void destroyedBeforeReadyDropsEverything()

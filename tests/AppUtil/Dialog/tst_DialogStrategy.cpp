@@ -19,9 +19,11 @@
 
 #include <QCheckBox>
 #include <QLabel>
+#include <QListWidget>
 #include <QMainWindow>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QTemporaryDir>
 #include <QTranslator>
 #include <QtTest>
@@ -241,6 +243,30 @@ private slots:
         QCOMPARE(parent == m_window, question != QLatin1String("critical"));
         if (question == QLatin1String("missing") || question == QLatin1String("failed"))
             QVERIFY(!closeButton);
+    }
+
+    // Many H.265 files, some added twice: each is listed once, sorted, in a list that scrolls
+    // inside a dialog that fits a 1366x768 screen.
+    void h265ListFitsSmallScreens()
+    {
+        QStringList files;
+        for (int i = 80; i > 0; --i)
+            files << QString("/videos/phone/clip %1 from the holiday in the mountains.mp4").arg(i, 2, 10, QChar('0'));
+        files << files.mid(10, 5);
+        UnsupportedCodecInfoDialog dialog(files, m_window);
+        dialog.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&dialog));
+        auto* list = dialog.findChild<QListWidget*>("filesList");
+        QVERIFY(list);
+        QStringList listed;
+        for (int row = 0; row < list->count(); ++row)
+            listed << list->item(row)->toolTip();
+        files.removeDuplicates();
+        files.sort();
+        QCOMPARE(listed, files);
+        QVERIFY(list->verticalScrollBar()->maximum() > 0);
+        const QSize size = dialog.frameGeometry().size();
+        QVERIFY2(size.width() <= 1366 && size.height() <= 700, qPrintable(QString("%1x%2").arg(size.width()).arg(size.height())));
     }
 
     void forwarding()

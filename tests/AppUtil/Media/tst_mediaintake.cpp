@@ -304,18 +304,24 @@ private slots:
         QTest::addColumn<bool>("answer");
         QTest::addColumn<QString>("dialog"); // "codec message", "plain" (no text of its own) or "H.265"
         QTest::addColumn<QStringList>("codecStatistics");
+        QTest::addColumn<QStringList>("named"); // the failed files the generic dialog names, with their reasons
         const QStringList dts{"mkv: DTS"};
+        const QString codec = "The chosen codec is not supported.";
+        const QString corrupt = "The input file is corrupted or missing from the specified location.";
         QTest::newRow("all failures have codecs")
-            << QStringList{"fail:dts", "fail:dts"} << false << false << "codec message" << dts + dts;
+            << QStringList{"fail:dts", "fail:dts"} << false << false << "codec message" << dts + dts
+            << QStringList{"F0.MKV: " + codec, "F1.MKV: " + codec};
         QTest::newRow("one failure has another cause")
-            << QStringList{"fail:dts", "fail"} << true << true << "plain" << dts;
+            << QStringList{"fail:dts", "fail"} << true << true << "plain" << dts
+            << QStringList{"F0.MKV: " + codec, "F1.MKV: " + corrupt};
         QTest::newRow("another cause, an opened file with codecs")
-            << QStringList{"fail", "ok:dts:cavs"} << false << false << "codec message" << QStringList{"mkv: DTS,cavs"};
+            << QStringList{"fail", "ok:dts:cavs"} << false << false << "codec message" << QStringList{"mkv: DTS,cavs"}
+            << QStringList{"F0.MKV: " + corrupt};
         QTest::newRow("only an opened file with codec")
-            << QStringList{"ok:dts", "ok"} << true << false << "codec message" << dts;
+            << QStringList{"ok:dts", "ok"} << true << false << "codec message" << dts << QStringList{};
         // Only the exact identifier counts as H.265.
         QTest::newRow("H.265 first") << QStringList{"ok:h265", "fail", "fail:H265"} << true << true << "H.265"
-                                     << QStringList{"mkv: H.265/HEVC", "mkv: H265"};
+                                     << QStringList{"mkv: H.265/HEVC", "mkv: H265"} << QStringList{};
     }
 
     void dialogs()
@@ -325,6 +331,7 @@ private slots:
         QFETCH(bool, answer);
         QFETCH(QString, dialog);
         QFETCH(QStringList, codecStatistics);
+        QFETCH(QStringList, named);
         QStringList statistics;
         PubSub::Subscription<Statistics::DeleteFailedFilesEventNotification> deletion(Statistics::globalObject(),
             [&](const auto& n) { statistics << QString("delete %1 %2").arg(n.deletionOffered).arg(n.deletionChosen); });
@@ -345,14 +352,62 @@ private slots:
         const QString codecText = QString("Some videos used in this project could not be opened. They may be "
                                           "corrupted, or their codecs <a href=\"%1\">are not supported.</a>")
                                       .arg(formatsUrl);
-        const QVariantList shownWith = dialog == "H.265"
-            ? QVariantList{QStringList{"/m/F0.MKV"}}
-            : QVariantList{offerDeletion, dialog == "plain" ? "" : codecText};
+        QString message = dialog == "plain" ? "Some of the files can't be opened." : codecText;
+        if (!named.isEmpty())
+            message += "<br><br>" + named.replaceInStrings(QRegularExpression("^(.*): "), "<b>\\1</b>: ").join("<br>");
+        const QVariantList shownWith = dialog == "H.265" ? QVariantList{QStringList{"/m/F0.MKV"}}
+                                                         : QVariantList{offerDeletion, message};
         QCOMPARE(m_dialogs->lastArguments(shown), shownWith);
         codecStatistics << QString("delete %1 %2").arg(offerDeletion).arg(answer);
         codecStatistics.sort();
         statistics.sort();
         QCOMPARE(statistics, codecStatistics);
+    }
+
+    // Each failed path is named once, sorted and escaped; a long batch is cut short.
+    void failedFilesNamed()
+    {
+        FilePool pool;
+        TestHandler handler;
+        handler.showDialogs = true;
+        pool.addView(&handler);
+        addReported(pool, "/m/b<1>.mp4", "fail");
+        addReported(pool, "/m/b<1>.mp4", "fail");
+        for (int i = 13; i >= 0; --i)
+            addReported(pool, QString("/m/a%1.mp4").arg(i, 2, 10, QChar('0')), "fail");
+        QVERIFY(QTest::qWaitFor([&] { return !handler.products.empty(); }));
+        const QStringList lines = m_dialogs->lastArguments("showHasFailedFiles").at(1).toString().split("<br>");
+        QCOMPARE(lines.size(), 2 + 12 + 1);
+        QCOMPARE(lines.at(0), QString("Some of the files can't be opened."));
+        QCOMPARE(lines.at(2), QString("<b>a00.mp4</b>: The input file is corrupted or missing from the specified location."));
+        QVERIFY(lines.at(13).startsWith("<b>a11.mp4</b>"));
+        QCOMPARE(lines.last(), QString("and 3 more file(s)"));
+    }
+
+    void failedFileDescription_data()
+    {
+        QTest::addColumn<int>("problem");
+        QTest::addColumn<bool>("failed");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("corrupt") << int(File::PathProblem::None) << true
+                                 << "Analyze|The input file is corrupted or missing from the specified location.";
+        QTest::newRow("name not UTF-8") << int(File::PathProblem::UnreadableName) << true
+                                        << "Analyze|The file name cannot be read: it is not valid UTF-8.";
+        QTest::newRow("link loop") << int(File::PathProblem::SymlinkLoop) << true
+                                   << "Analyze|The file is a symbolic link that leads back to itself.";
+        QTest::newRow("opened") << int(File::PathProblem::None) << false << "";
+    }
+
+    void failedFileDescription()
+    {
+        QFETCH(int, problem);
+        QFETCH(bool, failed);
+        ContextMarkingTranslator translator;
+        QCoreApplication::installTranslator(&translator);
+        File file("/m/a.mp4");
+        outcome(failed ? "fail" : "ok").applyTo(file);
+        file.setPathProblem(File::PathProblem(problem));
+        QTEST(Error::describeFailedFile(file), "expected");
     }
 
     void hdrNoticeOnceAndItsSetting()
@@ -416,10 +471,36 @@ private slots:
         QVERIFY2(openedFacts.match(items()).hasMatch(), qPrintable(items()));
         QCOMPARE(m_dialogs->count("showInfo"), 1); // the HDR notice
 
+        QCOMPARE(reported.last(), (QVariantList{3, 1}));
+
         // A file kept after failing shows why.
         add({"truncated.mp4"});
         QVERIFY(reported.wait(20000));
         QVERIFY2(items().contains("\nfailed: Can't be opened: The input file is corrupted"), qPrintable(items()));
+
+        // "Got It" in the H.265 notice takes away only the failed files it listed.
+        m_dialogs->answer("showHasH265FailedFiles", true);
+        add({"h265.mp4", "text.mp4"});
+        QVERIFY(reported.wait(20000));
+        QCOMPARE(m_dialogs->count("showHasH265FailedFiles"), 1);
+        QCOMPARE(reported.last(), (QVariantList{2, 2}));
+        QStringList names;
+        for (int row = 0; row < list.count(); ++row)
+            names << list.item(row)->text();
+        QCOMPARE(names, (QStringList{"h264_1080p.mp4", "hdr_h264.mp4", "truncated.mp4", "text.mp4"}));
+
+        // Several selected items go together, by the Delete key.
+        list.show();
+        list.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&list));
+        list.setFocus();
+        list.item(0)->setSelected(true);
+        list.item(2)->setSelected(true);
+        QTest::keyClick(&list, Qt::Key_Delete);
+        QCOMPARE(list.count(), 2);
+        QCOMPARE(list.item(0)->text(), QString("hdr_h264.mp4"));
+        QCOMPARE(list.item(1)->text(), QString("text.mp4"));
+        QCOMPARE(mediaBin.pool().files().size(), 2);
     }
 
     // The probe tool as a support engineer runs it: a real process on generated media.
@@ -436,7 +517,7 @@ private slots:
             << QStringList{"files#=6", "dialog=failed-files", "analysis/failedFiles#=5"};
         QTest::newRow("H.265 first")
             << QStringList{"h265_aac.mp4", "text.mp4", "h265.mp4", "hdr10.mp4"}
-            << QStringList{"dialog=h265", "hdrNotice=true", "analysis/failedFiles#=3",
+            << QStringList{"dialog=h265", "hdrNotice=false", "analysis/failedFiles#=3",
                            "files/0/unsupportedCodecNames=H.265/HEVC",
                            "files/2/error=The chosen codec is not supported."};
         QTest::newRow("usage") << QStringList() << QStringList();
