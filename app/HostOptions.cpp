@@ -12,6 +12,9 @@ HostOptions HostOptions::take(QStringList& arguments)
         {QStringLiteral("--quit-after-batches"), [&](const QString& v) { options.quitAfterBatches = v.toInt(); }},
         {QStringLiteral("--dialog-gallery"), [&](const QString& v) { options.dialogGalleryDir = v; }},
         {QStringLiteral("--locale"), [&](const QString& v) { options.locale = v; }},
+        {QStringLiteral("--find-missing"), [&](const QString& v) { options.findMissingList = v; }},
+        {QStringLiteral("--search-folder"), [&](const QString& v) { options.searchFolder = v; }},
+        {QStringLiteral("--show-file"), [&](const QString& v) { options.showFile = v; }},
         {QStringLiteral("--thumbnails-to"), [&](const QString& v) { options.thumbnailsDir = v; }},
         {QStringLiteral("--thumbnail-size"), [&](const QString& v) { options.thumbnailSize = v.toInt(); }},
     };
@@ -60,6 +63,9 @@ QString HostOptions::usage()
         "  --dialog-gallery <folder>  render every standard dialog to a PNG there and exit\n"
         "  --thumbnails-to <folder>   write the named files' thumbnails there as PNGs and exit\n"
         "  --thumbnail-size <px>      the box those thumbnails are fitted into (default 128)\n"
+        "  --find-missing <list>      show the missing-files dialog for the paths listed, one a line\n"
+        "  --search-folder <folder>   ...and start its search of that folder at once\n"
+        "  --show-file <path>         reveal the file in the file manager once ready\n"
         "  -h, --help                 print this help and exit\n"
         "  -v, --version              print the version and exit\n");
 }

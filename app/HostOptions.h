@@ -12,6 +12,9 @@ struct HostOptions
     int quitAfterBatches = -1;  // --quit-after-batches <n>: quit once n media batches have been reported
     QString dialogGalleryDir;   // --dialog-gallery <folder>: render every standard dialog and exit
     QString locale;             // --locale <code>: user-interface locale, e.g. de_DE
+    QString findMissingList;    // --find-missing <list>: the missing-files dialog for the paths listed (one a line)
+    QString searchFolder;       // --search-folder <folder>: ...with the search of this folder started at once
+    QString showFile;           // --show-file <path>: reveal the file in the file manager once ready
     QString thumbnailsDir;      // --thumbnails-to <folder>: write the named files' thumbnails there and exit
     int thumbnailSize = 128;    // --thumbnail-size <px>: the box they are fitted into
     bool help = false;          // --help, -h: print the usage and exit

@@ -2,6 +2,8 @@
 
 #include "BinThumbnails.h"
 
+#include <FileDialog.h>
+
 #include <Dialog/DialogStrategy.h>
 #include <ErrorDescription.h>
 
@@ -208,6 +210,8 @@ void MediaBin::showContextMenu(const QPoint& position)
     info->setEnabled(file && file->isOpened());
     QAction* remove = menu.addAction(tr("Remove from project"));
     remove->setObjectName(QStringLiteral("removeFileAction"));
+    QAction* reveal = menu.addAction(tr("Show in File Manager"));
+    reveal->setObjectName(QStringLiteral("showFileAction"));
     QAction* chosen = menu.exec(m_bin->viewport()->mapToGlobal(position));
     if (chosen == info)
         showFileInfo(item);
@@ -215,6 +219,8 @@ void MediaBin::showContextMenu(const QPoint& position)
         removeSelectedItems(); // the menu acts on the selection the item belongs to
     else if (chosen == remove)
         removeItem(item);
+    else if (chosen == reveal)
+        FileDialog::showFile(file ? file->filePath() : item->data(Qt::UserRole).toString());
 }
 
 void MediaBin::showFileInfo(QListWidgetItem* item)

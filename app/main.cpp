@@ -5,6 +5,7 @@
 #include "DialogGallery.h"
 #include "HostOptions.h"
 #include "HostServices.h"
+#include "ImportMenu.h"
 #include "MainWindow.h"
 #include "MediaBin.h"
 #include "SecondLaunch.h"
@@ -12,6 +13,7 @@
 
 #include <ActionGateway.h>
 #include <CommandProvider.h>
+#include <FileDialog.h>
 #include <IPCController.h>
 
 #include <App/ILinksManager.h>
@@ -150,6 +152,7 @@ int main(int argc, char** argv)
     // Files reaching the bin are opened by the media model; the bin reports each batch.
     MediaBin mediaBin(window.mediaBin());
     QObject::connect(&window, &MainWindow::filesAdded, &mediaBin, &MediaBin::addFiles);
+    ImportMenu::install(window);
     QObject::connect(&mediaBin, &MediaBin::batchReported, &window, &MainWindow::showBatchOutcome);
     // What the bin costs: the resident memory once a batch is in (bench/run_bin_memory.sh).
     int batches = 0;
@@ -167,6 +170,11 @@ int main(int argc, char** argv)
     Action::proposeAction(Action::ACTION_STARTUP, [&window] {
         LOG(INFO) << "startup: " << window.mediaBin()->count() << " file(s) in the media bin";
     });
+
+    if (!options.findMissingList.isEmpty())
+        QTimer::singleShot(0, &window, [&options] { ImportMenu::findMissing(options.findMissingList, options.searchFolder); });
+    if (!options.showFile.isEmpty())
+        FileDialog::showFile(options.showFile);
 
     if (!options.screenshotPath.isEmpty()) {
         // Let the window lay out and paint before it is grabbed.

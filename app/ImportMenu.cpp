@@ -1,0 +1,104 @@
+#include "ImportMenu.h"
+
+#include "MainWindow.h"
+
+#include <Dialog/MissingFilesDialog/MissingFilesDialog.h>
+#include <FileDialog.h>
+
+#include <Util/SpontaneousDialog.h>
+
+#include <QAction>
+#include <QFile>
+#include <QMenuBar>
+#include <QStackedWidget>
+#include <QTimer>
+
+#include <glog/logging.h>
+
+namespace ImportMenu {
+namespace {
+
+QMenu* fileMenu(MainWindow& window)
+{
+    for (QAction* action : window.menuBar()->actions()) {
+        if (action->menu() && action->menu()->objectName() == QLatin1String("fileMenu"))
+            return action->menu();
+    }
+    // First in the bar, where a File menu belongs.
+    QMenu* menu = new QMenu(QObject::tr("&File"), &window);
+    menu->setObjectName(QStringLiteral("fileMenu"));
+    const QList<QAction*> actions = window.menuBar()->actions();
+    window.menuBar()->insertMenu(actions.isEmpty() ? nullptr : actions.first(), menu);
+    return menu;
+}
+
+void addImport(QMenu* menu, MainWindow& window, const QString& text, const char* name, QStringList (*choose)())
+{
+    QAction* action = menu->addAction(text);
+    action->setObjectName(QLatin1String(name));
+    QObject::connect(action, &QAction::triggered, &window, [&window, text, choose] {
+        const QStringList files = choose();
+        LOG(INFO) << "import: " << files.size() << " file(s) from " << QString(text).remove(QLatin1Char('&')).toStdString();
+        if (!files.isEmpty())
+            window.addFiles(files);
+    });
+}
+
+QStringList importFiles()
+{
+    return FileDialog::openFiles(FileDialog::Video | FileDialog::Audio | FileDialog::Images | FileDialog::Projects);
+}
+
+void saveSnapshot(MainWindow& window)
+{
+    const QString path = FileDialog::savingSnapshotPath();
+    if (path.isEmpty()) {
+        LOG(INFO) << "snapshot: cancelled";
+        return;
+    }
+    const QPixmap picture = window.pages()->currentWidget()->grab();
+    if (picture.save(path, "PNG"))
+        LOG(INFO) << "snapshot: saved " << path.toStdString();
+    else
+        LOG(ERROR) << "snapshot: could not save " << path.toStdString();
+}
+
+} // namespace
+
+void install(MainWindow& window)
+{
+    QMenu* menu = fileMenu(window);
+    addImport(menu, window, QObject::tr("Import &Files..."), "importFilesAction", importFiles);
+    addImport(menu, window, QObject::tr("Import F&older..."), "importFolderAction", FileDialog::openDirectory);
+    addImport(menu, window, QObject::tr("Import &Image Folder..."), "importImageFolderAction", FileDialog::openDirectoryAllImages);
+    menu->addSeparator();
+    QAction* snapshot = menu->addAction(QObject::tr("Save &Snapshot..."));
+    snapshot->setObjectName(QStringLiteral("saveSnapshotAction"));
+    QObject::connect(snapshot, &QAction::triggered, &window, [&window] { saveSnapshot(window); });
+}
+
+void findMissing(const QString& listFile, const QString& folder)
+{
+    QFile list(listFile);
+    if (!list.open(QIODevice::ReadOnly)) {
+        LOG(ERROR) << "relink: cannot read " << listFile.toStdString();
+        return;
+    }
+    QSet<QString> missing;
+    for (const QByteArray& line : list.readAll().split('\n')) {
+        if (!line.isEmpty())
+            missing.insert(QFile::decodeName(line));
+    }
+    MissingFilesDialog dialog(Tavrin::Util::SpontaneousDialog::findParent());
+    dialog.setMissingFiles(missing);
+    if (!folder.isEmpty())
+        QTimer::singleShot(0, &dialog, [&dialog, folder] { dialog.searchFolder(folder); });
+    const bool accepted = dialog.exec() == QDialog::Accepted;
+    const QMap<QString, QString> found = dialog.foundFiles();
+    for (auto it = found.cbegin(); it != found.cend(); ++it)
+        LOG(INFO) << "relink: " << it.key().toStdString() << " -> " << it.value().toStdString();
+    LOG(INFO) << "relink: " << found.size() << " found, " << dialog.missingFiles().size() << " still missing"
+              << (accepted ? "" : " (skipped)");
+}
+
+} // namespace ImportMenu
