@@ -1,0 +1,138 @@
+#include "Serialize/JsonReader.h"
+
+#include <QCoreApplication>
+
+#include <cmath>
+
+namespace Serialize {
+
+namespace {
+QString tr(const char* text)
+{
+    return QCoreApplication::translate("Project", text);
+}
+} // namespace
+
+void JsonReader::fail(const QString& where, const QString& problem)
+{
+    if (ok())
+        m_error = where.isEmpty() ? problem : QStringLiteral("%1: %2").arg(where, problem);
+}
+
+QString JsonReader::path(const QString& where, const QString& key)
+{
+    return where.isEmpty() ? key : where + QLatin1Char('.') + key;
+}
+
+QString JsonReader::path(const QString& where, int index)
+{
+    return QStringLiteral("%1[%2]").arg(where).arg(index);
+}
+
+bool JsonReader::present(const QJsonObject& o, const QString& key, const QString& where, bool required)
+{
+    if (!ok())
+        return false;
+    if (o.contains(key))
+        return true;
+    if (required)
+        fail(path(where, key), tr("missing"));
+    return false;
+}
+
+QJsonObject JsonReader::object(const QJsonObject& o, const QString& key, const QString& where, bool required)
+{
+    if (!present(o, key, where, required))
+        return {};
+    const QJsonValue v = o.value(key);
+    if (!v.isObject())
+        fail(path(where, key), tr("not an object"));
+    return v.toObject();
+}
+
+QJsonArray JsonReader::array(const QJsonObject& o, const QString& key, const QString& where, int maxCount, bool required)
+{
+    if (!present(o, key, where, required))
+        return {};
+    const QJsonValue v = o.value(key);
+    if (!v.isArray()) {
+        fail(path(where, key), tr("not a list"));
+        return {};
+    }
+    const QJsonArray a = v.toArray();
+    if (a.size() > maxCount) {
+        fail(path(where, key), tr("more than %1 entries").arg(maxCount));
+        return {};
+    }
+    return a;
+}
+
+QString JsonReader::string(const QJsonObject& o, const QString& key, const QString& where, int maxLength, bool required)
+{
+    if (!present(o, key, where, required))
+        return {};
+    const QJsonValue v = o.value(key);
+    if (!v.isString()) {
+        fail(path(where, key), tr("not a text"));
+        return {};
+    }
+    const QString s = v.toString();
+    if (s.size() > maxLength) {
+        fail(path(where, key), tr("longer than %1 characters").arg(maxLength));
+        return {};
+    }
+    return s;
+}
+
+double JsonReader::number(const QJsonObject& o, const QString& key, const QString& where, double min, double max,
+                          double fallback, bool required)
+{
+    if (!present(o, key, where, required))
+        return fallback;
+    const QJsonValue v = o.value(key);
+    const double d = v.toDouble();
+    // NaN fails both comparisons, so it is refused with the rest.
+    if (!v.isDouble() || !(d >= min && d <= max)) {
+        fail(path(where, key), tr("not a number from %1 to %2").arg(min).arg(max));
+        return fallback;
+    }
+    return d;
+}
+
+qint64 JsonReader::integer(const QJsonObject& o, const QString& key, const QString& where, qint64 min, qint64 max,
+                           qint64 fallback, bool required)
+{
+    if (!present(o, key, where, required))
+        return fallback;
+    const QJsonValue v = o.value(key);
+    const double d = v.toDouble();
+    if (!v.isDouble() || !(d >= double(min) && d <= double(max)) || std::trunc(d) != d) {
+        fail(path(where, key), tr("not a whole number from %1 to %2").arg(min).arg(max));
+        return fallback;
+    }
+    return qint64(d);
+}
+
+bool JsonReader::boolean(const QJsonObject& o, const QString& key, const QString& where, bool fallback)
+{
+    if (!present(o, key, where, false))
+        return fallback;
+    const QJsonValue v = o.value(key);
+    if (!v.isBool()) {
+        fail(path(where, key), tr("not true or false"));
+        return fallback;
+    }
+    return v.toBool();
+}
+
+QJsonObject JsonReader::element(const QJsonArray& array, int index, const QString& where)
+{
+    if (!ok())
+        return {};
+    const QJsonValue v = array.at(index);
+    if (!v.isObject())
+        fail(path(where, index), tr("not an object"));
+    return v.toObject();
+}
+
+} // namespace Serialize
