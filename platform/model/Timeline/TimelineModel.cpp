@@ -208,8 +208,8 @@ QJsonObject Clip::toJson() const
 std::shared_ptr<Clip> Clip::fromJson(const QJsonObject& json, Serialize::JsonReader& reader, const QString& where,
                                      const QStringList* mediaTable)
 {
-    // A day of footage at most; times are microseconds.
-    constexpr qint64 kMaxTime = 24LL * 3600 * 1000000;
+    // Far beyond any real timeline, and well inside the integers a JSON double holds exactly.
+    constexpr qint64 kMaxTime = 100000LL * 3600 * 1000000;
     constexpr qint64 kAllTypes = qint64(ClipType::Video | ClipType::Audio | ClipType::Image | ClipType::Title | ClipType::Overlay);
     Data d;
     d.id = reader.string(json, QStringLiteral("id"), where, 64);
