@@ -11,6 +11,8 @@ struct HostOptions
     int quitAfterReadyMs = -1;  // --quit-after-ready <ms>: quit that long after the ready notification
     QString dialogGalleryDir;   // --dialog-gallery <folder>: render every standard dialog and exit
     QString locale;             // --locale <code>: user-interface locale, e.g. de_DE
+    bool placeOnTimeline = false; // --place-on-timeline: put the named media on the timeline once opened
+    QString saveProjectPath;    // --save-project <file.kvproj>: then save the project there and quit
 
     // Removes the host options from `arguments` (element 0 is the program) and returns them.
     static HostOptions take(QStringList& arguments);

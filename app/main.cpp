@@ -7,6 +7,7 @@
 #include "HostServices.h"
 #include "MainWindow.h"
 #include "MediaBin.h"
+#include "ProjectController.h"
 #include "SecondLaunch.h"
 
 #include <ActionGateway.h>
@@ -28,6 +29,8 @@
 #include <QTimer>
 
 #include <glog/logging.h>
+
+#include <cstdio>
 
 namespace {
 
@@ -117,9 +120,26 @@ int main(int argc, char** argv)
     // Files reaching the bin are opened by the media model; the bin reports each batch.
     MediaBin mediaBin(window.mediaBin());
     QObject::connect(&window, &MainWindow::filesAdded, &mediaBin, &MediaBin::addFiles);
+    // The project: timeline panel, File and Edit menus, project files from the command line.
+    ProjectController project(&window, &mediaBin);
 
     window.show();
     PubSub::publish(Command::ReadyNotification());
+    const QStringList namedFiles = project.takeNamedFiles();
+    if (options.placeOnTimeline || !options.saveProjectPath.isEmpty()) {
+        project.placeWhenOpened(options.placeOnTimeline ? namedFiles : QStringList(), [&] {
+            if (options.saveProjectPath.isEmpty())
+                return;
+            QString why;
+            if (project.saveAs(options.saveProjectPath, &why)) {
+                QApplication::exit(0);
+            } else {
+                std::fprintf(stderr, "klipvane: cannot save the project to %s: %s\n",
+                             qPrintable(options.saveProjectPath), qPrintable(why));
+                QApplication::exit(1);
+            }
+        });
+    }
 
     // Start-up work goes through the gateway, so it waits if a blocking dialog is up.
     Action::proposeAction(Action::ACTION_STARTUP, [&window] {
