@@ -292,6 +292,7 @@ private:
     void apply(bool forward)
     {
         std::vector<Clip*> moved;
+        m->forgetEnds();
         for (const Step& step : m_steps) {
             m->takeFromTrack(step.clip.get());
             step.clip->m_data.track = forward ? step.toTrack : step.fromTrack;
@@ -320,6 +321,7 @@ private:
     void apply(bool forward)
     {
         std::vector<Clip*> changed;
+        m->forgetEnds();
         for (const auto& [clip, before, after] : m_changes) {
             clip->m_data.timing = forward ? after : before;
             changed.push_back(clip.get());
@@ -468,7 +470,7 @@ void TimelineModel::reset(Content content)
     m_undo->clear();
     m_selection.clear();
     m_byId.clear();
-    m_tracks.clear();
+    m_tracks.clear(); // and with them what was known of their ends
     for (TrackKind kind : content.tracks)
         m_tracks.push_back(Track{kind, {}});
     m_clipCount = 0;
@@ -585,10 +587,20 @@ MediaTime TimelineModel::duration() const
 
 MediaTime TimelineModel::trackEnd(int track) const
 {
-    MediaTime end;
-    for (const auto& clip : m_tracks[size_t(track)].clips)
-        end = std::max(end, clip->compositionRange().end());
-    return end;
+    const Track& t = m_tracks[size_t(track)];
+    if (!t.endKnown) {
+        t.end = MediaTime();
+        for (const auto& clip : t.clips)
+            t.end = std::max(t.end, clip->compositionRange().end());
+        t.endKnown = true;
+    }
+    return t.end;
+}
+
+void TimelineModel::forgetEnds()
+{
+    for (Track& track : m_tracks)
+        track.endKnown = false;
 }
 
 int TimelineModel::firstTrack(TrackKind kind, int wanted) const
@@ -635,18 +647,20 @@ void TimelineModel::attach(const std::vector<std::shared_ptr<Clip>>& clips)
     for (const auto& clip : clips) {
         clip->m_timeline = this;
         m_byId.insert(clip->m_data.id, clip.get());
-        // Appended, then each touched track sorted once: re-attaching thousands of clips
-        // stays O(n log n) instead of one sorted insert each.
-        m_tracks[size_t(clip->m_data.track)].clips.push_back(clip);
-        touched[size_t(clip->m_data.track)] = true;
+        // Appended; a track that ends up out of order is sorted once, so re-attaching
+        // thousands of clips stays O(n log n) and appending stays O(1) each.
+        Track& track = m_tracks[size_t(clip->m_data.track)];
+        if (!track.clips.empty() && clip->m_data.start < track.clips.back()->m_data.start)
+            touched[size_t(clip->m_data.track)] = true;
+        track.clips.push_back(clip);
+        if (track.endKnown)
+            track.end = std::max(track.end, clip->compositionRange().end());
         attached.push_back(clip.get());
         ++m_clipCount;
     }
-    for (size_t t = 0; t < m_tracks.size(); ++t) {
-        auto& track = m_tracks[t].clips;
-        if (touched[t] && !std::is_sorted(track.begin(), track.end(), byStart))
-            std::stable_sort(track.begin(), track.end(), byStart);
-    }
+    for (size_t t = 0; t < m_tracks.size(); ++t)
+        if (touched[t])
+            std::stable_sort(m_tracks[t].clips.begin(), m_tracks[t].clips.end(), byStart);
     for (Clip* clip : attached) {
         if (Clip* leader = m_byId.value(clip->m_data.groupId)) {
             clip->m_leader = leader;
@@ -668,6 +682,7 @@ void TimelineModel::detach(const std::vector<std::shared_ptr<Clip>>& clips)
         removed.push_back(clip.get());
     }
     const QList<IClip*> ordered = inOrder(removed);
+    forgetEnds();
     bool selectionChanged = false;
     for (Track& track : m_tracks) {
         auto& list = track.clips;

@@ -102,6 +102,10 @@ private:
     {
         TrackKind kind;
         std::vector<std::shared_ptr<Clip>> clips; // by start time
+        // Where the track's last clip ends; kept while clips are only appended, so placing
+        // clip after clip costs the same at any length.
+        mutable MediaTime end;
+        mutable bool endKnown = false;
     };
     struct VideoRequests;
 
@@ -110,6 +114,7 @@ private:
     QString newClipId();
     int firstTrack(TrackKind kind, int wanted) const;
     MediaTime trackEnd(int track) const;
+    void forgetEnds();
     std::shared_ptr<Clip> makeClip(Clip::Data data);
     void attach(const std::vector<std::shared_ptr<Clip>>& clips);
     void detach(const std::vector<std::shared_ptr<Clip>>& clips);
