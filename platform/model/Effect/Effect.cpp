@@ -125,18 +125,17 @@ QJsonObject Object::toJson() const
 
 std::shared_ptr<Object> Object::fromJson(const QJsonObject& json, Serialize::JsonReader& reader, const QString& where, int depth)
 {
-    const auto tr = [](const char* text) { return QCoreApplication::translate("Project", text); };
     const QString id = reader.string(json, QStringLiteral("id"), where, 64);
     const QString uid = reader.string(json, QStringLiteral("uid"), where, 64);
     if (!reader.ok())
         return nullptr;
     std::shared_ptr<Object> effect = create(id);
     if (!effect) {
-        reader.fail(Serialize::JsonReader::path(where, QStringLiteral("id")), tr("unknown effect \"%1\"").arg(id));
+        reader.fail(Serialize::JsonReader::path(where, QStringLiteral("id")), QCoreApplication::translate("Project", "unknown effect \"%1\"").arg(id));
         return nullptr;
     }
     if (uid.isEmpty()) {
-        reader.fail(Serialize::JsonReader::path(where, QStringLiteral("uid")), tr("empty"));
+        reader.fail(Serialize::JsonReader::path(where, QStringLiteral("uid")), QCoreApplication::translate("Project", "empty"));
         return nullptr;
     }
     effect->m_uid = uid;
@@ -146,7 +145,7 @@ std::shared_ptr<Object> Object::fromJson(const QJsonObject& json, Serialize::Jso
     if (effect->hasAngle()) {
         const qint64 angle = reader.integer(json, QStringLiteral("angle"), where, 0, 270, 0);
         if (angle % 90)
-            reader.fail(Serialize::JsonReader::path(where, QStringLiteral("angle")), tr("not a quarter turn"));
+            reader.fail(Serialize::JsonReader::path(where, QStringLiteral("angle")), QCoreApplication::translate("Project", "not a quarter turn"));
         effect->m_angle = int(angle);
     }
     if (effect->hasCropTransform()) {
@@ -155,16 +154,16 @@ std::shared_ptr<Object> Object::fromJson(const QJsonObject& json, Serialize::Jso
         for (int i = 0; i < 6 && reader.ok(); ++i) {
             v[i] = m.at(i).toDouble(qQNaN());
             if (m.size() != 6 || !(v[i] >= -1e6 && v[i] <= 1e6))
-                reader.fail(Serialize::JsonReader::path(where, QStringLiteral("crop")), tr("not six numbers"));
+                reader.fail(Serialize::JsonReader::path(where, QStringLiteral("crop")), QCoreApplication::translate("Project", "not six numbers"));
         }
         effect->m_crop = QTransform(v[0], v[1], v[2], v[3], v[4], v[5]);
         if (reader.ok() && !effect->m_crop.isInvertible())
-            reader.fail(Serialize::JsonReader::path(where, QStringLiteral("crop")), tr("cannot be inverted"));
+            reader.fail(Serialize::JsonReader::path(where, QStringLiteral("crop")), QCoreApplication::translate("Project", "cannot be inverted"));
     }
     if (auto* holder = dynamic_cast<EffectsHolder*>(effect.get())) {
         const QString innerWhere = Serialize::JsonReader::path(where, QStringLiteral("effects"));
         if (depth >= kMaxDepth) {
-            reader.fail(innerWhere, tr("groups nested too deep"));
+            reader.fail(innerWhere, QCoreApplication::translate("Project", "groups nested too deep"));
             return nullptr;
         }
         const QJsonArray inner = reader.array(json, QStringLiteral("effects"), where, kMaxInnerEffects);

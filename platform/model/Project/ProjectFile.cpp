@@ -17,11 +17,6 @@ namespace {
 
 const QString kFormatName = QStringLiteral("klipvane-project");
 
-QString tr(const char* text)
-{
-    return QCoreApplication::translate("Project", text);
-}
-
 QString trackName(Timeline::TrackKind kind)
 {
     return kind == Timeline::TrackKind::Audio ? QStringLiteral("audio") : QStringLiteral("video");
@@ -95,7 +90,7 @@ bool save(const QString& path, const Timeline::TimelineModel& timeline, QString*
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit()) {
         if (error)
-            *error = tr("The project could not be written: %1").arg(file.errorString());
+            *error = QCoreApplication::translate("Project", "The project could not be written: %1").arg(file.errorString());
         file.cancelWriting();
         return false;
     }
@@ -111,14 +106,14 @@ bool load(const QString& path, Loaded* loaded, QString* error)
     };
     const QFileInfo info(path);
     if (!info.isFile())
-        return refuse(tr("The file does not exist."));
+        return refuse(QCoreApplication::translate("Project", "The file does not exist."));
     if (info.size() > kMaxFileSize)
-        return refuse(tr("The file is %1 MB; a project is never larger than %2 MB.")
+        return refuse(QCoreApplication::translate("Project", "The file is %1 MB; a project is never larger than %2 MB.")
                           .arg(info.size() / (1024 * 1024))
                           .arg(kMaxFileSize / (1024 * 1024)));
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
-        return refuse(tr("The file could not be read: %1").arg(file.errorString()));
+        return refuse(QCoreApplication::translate("Project", "The file could not be read: %1").arg(file.errorString()));
     // Read at most one byte more than allowed: a file that grew since the check is refused
     // without being read whole.
     const QByteArray bytes = file.read(kMaxFileSize + 1);
@@ -133,19 +128,19 @@ bool parse(const QByteArray& bytes, const QString& path, Loaded* loaded, QString
         return false;
     };
     if (bytes.size() > kMaxFileSize)
-        return refuse(tr("The file is larger than %1 MB; a project is never that large.").arg(kMaxFileSize / (1024 * 1024)));
+        return refuse(QCoreApplication::translate("Project", "The file is larger than %1 MB; a project is never that large.").arg(kMaxFileSize / (1024 * 1024)));
     QJsonParseError parseError{};
     const QJsonDocument document = QJsonDocument::fromJson(bytes, &parseError);
     if (parseError.error != QJsonParseError::NoError)
-        return refuse(tr("The file is damaged or incomplete (%1 at byte %2).").arg(parseError.errorString()).arg(parseError.offset));
+        return refuse(QCoreApplication::translate("Project", "The file is damaged or incomplete (%1 at byte %2).").arg(parseError.errorString()).arg(parseError.offset));
     const QJsonObject root = document.object();
     if (!document.isObject() || root.value(QStringLiteral("format")).toString() != kFormatName)
-        return refuse(tr("The file is not a Klipvane project."));
+        return refuse(QCoreApplication::translate("Project", "The file is not a Klipvane project."));
 
     Serialize::JsonReader reader;
     const qint64 version = reader.integer(root, QStringLiteral("version"), QString(), 0, std::numeric_limits<int>::max(), 0);
     if (reader.ok() && version > kFormatVersion)
-        return refuse(tr("The project was saved by a newer version of Klipvane (format %1); this version reads format %2 and older.")
+        return refuse(QCoreApplication::translate("Project", "The project was saved by a newer version of Klipvane (format %1); this version reads format %2 and older.")
                           .arg(version)
                           .arg(kFormatVersion));
 
@@ -161,7 +156,7 @@ bool parse(const QByteArray& bytes, const QString& path, Loaded* loaded, QString
     if (!aspect.isEmpty()) {
         const int x = aspect.at(0).toInt(0), y = aspect.size() > 1 ? aspect.at(1).toInt(0) : 0;
         if (x < 1 || y < 1 || x > 1000 || y > 1000)
-            reader.fail(QStringLiteral("video.aspect"), tr("not two whole numbers from 1 to 1000"));
+            reader.fail(QStringLiteral("video.aspect"), QCoreApplication::translate("Project", "not two whole numbers from 1 to 1000"));
         else
             content.video.setFrameAspect(x, y);
     }
@@ -174,7 +169,7 @@ bool parse(const QByteArray& bytes, const QString& path, Loaded* loaded, QString
         else if (kind == QLatin1String("audio"))
             content.tracks.push_back(Timeline::TrackKind::Audio);
         else
-            reader.fail(Serialize::JsonReader::path(QStringLiteral("tracks"), i), tr("neither \"video\" nor \"audio\""));
+            reader.fail(Serialize::JsonReader::path(QStringLiteral("tracks"), i), QCoreApplication::translate("Project", "neither \"video\" nor \"audio\""));
     }
 
     const QDir folder = QFileInfo(path).absoluteDir();
@@ -191,7 +186,7 @@ bool parse(const QByteArray& bytes, const QString& path, Loaded* loaded, QString
         if (!reader.ok())
             break;
         if (!QDir::isAbsolutePath(entry.path)) {
-            reader.fail(Serialize::JsonReader::path(where, QStringLiteral("path")), tr("not an absolute path"));
+            reader.fail(Serialize::JsonReader::path(where, QStringLiteral("path")), QCoreApplication::translate("Project", "not an absolute path"));
             break;
         }
         entry.modified = QDateTime::fromString(modified, Qt::ISODateWithMs);
@@ -216,10 +211,10 @@ bool parse(const QByteArray& bytes, const QString& path, Loaded* loaded, QString
             content.clips.push_back(std::move(clip));
     }
     if (!reader.ok())
-        return refuse(tr("The project is damaged: %1").arg(reader.error()));
+        return refuse(QCoreApplication::translate("Project", "The project is damaged: %1").arg(reader.error()));
     QString why;
     if (!Timeline::TimelineModel::validate(content, &why))
-        return refuse(tr("The project is damaged: %1").arg(why));
+        return refuse(QCoreApplication::translate("Project", "The project is damaged: %1").arg(why));
     if (loaded)
         *loaded = std::move(result);
     return true;

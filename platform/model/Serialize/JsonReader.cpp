@@ -6,13 +6,6 @@
 
 namespace Serialize {
 
-namespace {
-QString tr(const char* text)
-{
-    return QCoreApplication::translate("Project", text);
-}
-} // namespace
-
 void JsonReader::fail(const QString& where, const QString& problem)
 {
     if (ok())
@@ -36,7 +29,7 @@ bool JsonReader::present(const QJsonObject& o, const QString& key, const QString
     if (o.contains(key))
         return true;
     if (required)
-        fail(path(where, key), tr("missing"));
+        fail(path(where, key), QCoreApplication::translate("Project", "missing"));
     return false;
 }
 
@@ -46,7 +39,7 @@ QJsonObject JsonReader::object(const QJsonObject& o, const QString& key, const Q
         return {};
     const QJsonValue v = o.value(key);
     if (!v.isObject())
-        fail(path(where, key), tr("not an object"));
+        fail(path(where, key), QCoreApplication::translate("Project", "not an object"));
     return v.toObject();
 }
 
@@ -56,12 +49,12 @@ QJsonArray JsonReader::array(const QJsonObject& o, const QString& key, const QSt
         return {};
     const QJsonValue v = o.value(key);
     if (!v.isArray()) {
-        fail(path(where, key), tr("not a list"));
+        fail(path(where, key), QCoreApplication::translate("Project", "not a list"));
         return {};
     }
     const QJsonArray a = v.toArray();
     if (a.size() > maxCount) {
-        fail(path(where, key), tr("more than %1 entries").arg(maxCount));
+        fail(path(where, key), QCoreApplication::translate("Project", "more than %1 entries").arg(maxCount));
         return {};
     }
     return a;
@@ -73,12 +66,12 @@ QString JsonReader::string(const QJsonObject& o, const QString& key, const QStri
         return {};
     const QJsonValue v = o.value(key);
     if (!v.isString()) {
-        fail(path(where, key), tr("not a text"));
+        fail(path(where, key), QCoreApplication::translate("Project", "not a text"));
         return {};
     }
     const QString s = v.toString();
     if (s.size() > maxLength) {
-        fail(path(where, key), tr("longer than %1 characters").arg(maxLength));
+        fail(path(where, key), QCoreApplication::translate("Project", "longer than %1 characters").arg(maxLength));
         return {};
     }
     return s;
@@ -93,7 +86,7 @@ double JsonReader::number(const QJsonObject& o, const QString& key, const QStrin
     const double d = v.toDouble();
     // NaN fails both comparisons, so it is refused with the rest.
     if (!v.isDouble() || !(d >= min && d <= max)) {
-        fail(path(where, key), tr("not a number from %1 to %2").arg(min).arg(max));
+        fail(path(where, key), QCoreApplication::translate("Project", "not a number from %1 to %2").arg(min).arg(max));
         return fallback;
     }
     return d;
@@ -107,7 +100,7 @@ qint64 JsonReader::integer(const QJsonObject& o, const QString& key, const QStri
     const QJsonValue v = o.value(key);
     const double d = v.toDouble();
     if (!v.isDouble() || !(d >= double(min) && d <= double(max)) || std::trunc(d) != d) {
-        fail(path(where, key), tr("not a whole number from %1 to %2").arg(min).arg(max));
+        fail(path(where, key), QCoreApplication::translate("Project", "not a whole number from %1 to %2").arg(min).arg(max));
         return fallback;
     }
     return qint64(d);
@@ -119,7 +112,7 @@ bool JsonReader::boolean(const QJsonObject& o, const QString& key, const QString
         return fallback;
     const QJsonValue v = o.value(key);
     if (!v.isBool()) {
-        fail(path(where, key), tr("not true or false"));
+        fail(path(where, key), QCoreApplication::translate("Project", "not true or false"));
         return fallback;
     }
     return v.toBool();
@@ -131,7 +124,7 @@ QJsonObject JsonReader::element(const QJsonArray& array, int index, const QStrin
         return {};
     const QJsonValue v = array.at(index);
     if (!v.isObject())
-        fail(path(where, index), tr("not an object"));
+        fail(path(where, index), QCoreApplication::translate("Project", "not an object"));
     return v.toObject();
 }
 

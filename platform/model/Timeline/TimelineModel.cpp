@@ -44,11 +44,6 @@ void ClipBuildingStrategy::applyImportItemProperties(const QVariantMap& itemProp
 
 namespace {
 
-QString trText(const char* text, int n = -1)
-{
-    return QCoreApplication::translate("Timeline", text, nullptr, n);
-}
-
 // Speeds a user can reach; beyond them a clip would last years or a few microseconds.
 constexpr double kMinSpeed = 0.01;
 constexpr double kMaxSpeed = 100.0;
@@ -284,7 +279,7 @@ public:
         int fromTrack, toTrack;
         MediaTime from, to;
     };
-    MoveCommand(TimelineModel* model, std::vector<Step> steps) : Command(model, trText("Move clip")), m_steps(std::move(steps)) {}
+    MoveCommand(TimelineModel* model, std::vector<Step> steps) : Command(model, QCoreApplication::translate("Timeline", "Move clip")), m_steps(std::move(steps)) {}
     void redo() override { apply(true); }
     void undo() override { apply(false); }
 
@@ -359,7 +354,7 @@ class TimelineModel::VideoCommand : public Command
 {
 public:
     VideoCommand(TimelineModel* model, const Media::Video& before, const Media::Video& after)
-        : Command(model, trText("Change project video")), m_before(before), m_after(after)
+        : Command(model, QCoreApplication::translate("Timeline", "Change project video")), m_before(before), m_after(after)
     {
     }
     void redo() override { m->applyVideo(m_after); }
@@ -388,7 +383,7 @@ std::vector<TrackKind> TimelineModel::defaultTracks()
 TimelineModel::TimelineModel(QObject* parent) : QObject(parent), m_undo(new QUndoStack(this))
 {
     for (TrackKind kind : defaultTracks())
-        m_tracks.push_back(Track{kind, {}});
+        m_tracks.push_back(Track{kind, {}, MediaTime(), false});
     m_videoRequests = std::make_unique<VideoRequests>(this);
 }
 
@@ -434,19 +429,19 @@ bool TimelineModel::validate(const Content& content, QString* error)
         return false;
     };
     if (content.tracks.empty() || content.tracks.size() > 64)
-        return refuse(trText("a project has 1 to 64 tracks"));
+        return refuse(QCoreApplication::translate("Timeline", "a project has 1 to 64 tracks"));
     QHash<QString, const Clip*> ids;
     ids.reserve(int(content.clips.size()));
     for (const auto& clip : content.clips) {
         const Clip::Data& d = clip->data();
         if (ids.contains(d.id))
-            return refuse(trText("two clips have the id \"%1\"").arg(d.id));
+            return refuse(QCoreApplication::translate("Timeline", "two clips have the id \"%1\"").arg(d.id));
         ids.insert(d.id, clip.get());
         if (d.track < 0 || d.track >= int(content.tracks.size()))
-            return refuse(trText("clip \"%1\" is on track %2, which does not exist").arg(d.id).arg(d.track));
+            return refuse(QCoreApplication::translate("Timeline", "clip \"%1\" is on track %2, which does not exist").arg(d.id).arg(d.track));
         const bool audioTrack = content.tracks[size_t(d.track)] == TrackKind::Audio;
         if (audioTrack != bool(d.type & ClipType::Audio))
-            return refuse(trText("clip \"%1\" is on a track of the wrong kind").arg(d.id));
+            return refuse(QCoreApplication::translate("Timeline", "clip \"%1\" is on a track of the wrong kind").arg(d.id));
     }
     for (const auto& clip : content.clips) {
         const QString& group = clip->data().groupId;
@@ -455,7 +450,7 @@ bool TimelineModel::validate(const Content& content, QString* error)
         const Clip* leader = ids.value(group);
         // One level only: a leader is never itself led, so timing has one carrier.
         if (!leader || leader == clip.get() || !leader->data().groupId.isEmpty())
-            return refuse(trText("clip \"%1\" belongs to a group that does not exist").arg(clip->data().id));
+            return refuse(QCoreApplication::translate("Timeline", "clip \"%1\" belongs to a group that does not exist").arg(clip->data().id));
     }
     return true;
 }
@@ -472,7 +467,7 @@ void TimelineModel::reset(Content content)
     m_byId.clear();
     m_tracks.clear(); // and with them what was known of their ends
     for (TrackKind kind : content.tracks)
-        m_tracks.push_back(Track{kind, {}});
+        m_tracks.push_back(Track{kind, {}, MediaTime(), false});
     m_clipCount = 0;
     m_missing = std::move(content.missingMedia);
     m_video = content.video;
@@ -784,7 +779,7 @@ QList<IClip*> TimelineModel::placeMedia(const QStringList& paths, const ClipBuil
     std::vector<Clip*> raw;
     for (const auto& clip : made)
         raw.push_back(clip.get());
-    m_undo->push(new InsertCommand(this, made, trText("Place %n clip(s)", int(paths.size()))));
+    m_undo->push(new InsertCommand(this, made, QCoreApplication::translate("Timeline", "Place %n clip(s)", nullptr, int(paths.size()))));
     return inOrder(raw);
 }
 
@@ -811,7 +806,7 @@ QList<IClip*> TimelineModel::addCollectionItem(const CollectionItem& item, const
         const QList<IClip*> targets = selectedClips();
         if (targets.isEmpty() || !Effect::Catalogue::find(item.effectId))
             return {};
-        m_undo->beginMacro(trText("Apply %1").arg(item.name));
+        m_undo->beginMacro(QCoreApplication::translate("Timeline", "Apply %1").arg(item.name));
         QList<IClip*> changed;
         for (IClip* clip : targets)
             if (addEffect(clip, Effect::Object::create(item.effectId)))
@@ -843,7 +838,7 @@ IClip* TimelineModel::addOverlayPreset(const OverlayPreset& preset, const ClipBu
     data.start = strategy.atEnd ? trackEnd(track) : strategy.position;
     data.timing.sourceLength = preset.duration;
     auto clip = makeClip(data);
-    m_undo->push(new InsertCommand(this, {clip}, trText("Add %1").arg(preset.name)));
+    m_undo->push(new InsertCommand(this, {clip}, QCoreApplication::translate("Timeline", "Add %1").arg(preset.name)));
     return clip.get();
 }
 
@@ -909,7 +904,7 @@ void TimelineModel::removeClips(const QList<IClip*>& clips)
     if (gone.empty())
         return;
     const int count = int(gone.size());
-    m_undo->push(new InsertCommand(this, std::move(gone), trText("Remove %n clip(s)", count), false));
+    m_undo->push(new InsertCommand(this, std::move(gone), QCoreApplication::translate("Timeline", "Remove %n clip(s)", nullptr, count), false));
 }
 
 QList<IClip*> TimelineModel::selectedClips() const
@@ -1000,18 +995,18 @@ bool TimelineModel::setSpeed(IClip* clip, double speed)
 {
     if (!(speed >= kMinSpeed && speed <= kMaxSpeed) || (clip && clip->hasNoAdjustableSpeed()))
         return false;
-    return changeTiming(clip, [speed](ClipTiming& t) { t.speed = speed; }, trText("Change speed"));
+    return changeTiming(clip, [speed](ClipTiming& t) { t.speed = speed; }, QCoreApplication::translate("Timeline", "Change speed"));
 }
 
 bool TimelineModel::setReversed(IClip* clip, bool reversed)
 {
     return changeTiming(clip, [reversed](ClipTiming& t) { t.reversed = reversed; },
-                        reversed ? trText("Reverse") : trText("Play forward"));
+                        reversed ? QCoreApplication::translate("Timeline", "Reverse") : QCoreApplication::translate("Timeline", "Play forward"));
 }
 
 bool TimelineModel::setSpeedCompensated(IClip* clip, bool compensated)
 {
-    return changeTiming(clip, [compensated](ClipTiming& t) { t.speedCompensated = compensated; }, trText("Original tone"));
+    return changeTiming(clip, [compensated](ClipTiming& t) { t.speedCompensated = compensated; }, QCoreApplication::translate("Timeline", "Original tone"));
 }
 
 bool TimelineModel::changeEffects(IClip* c, const std::function<bool(std::vector<std::shared_ptr<Effect::Object>>&)>& edit,
@@ -1044,7 +1039,7 @@ bool TimelineModel::addEffect(IClip* clip, std::shared_ptr<Effect::Object> effec
             effects.push_back(effect);
             return true;
         },
-        trText("Add %1").arg(name));
+        QCoreApplication::translate("Timeline", "Add %1").arg(name));
 }
 
 bool TimelineModel::removeEffect(IClip* clip, const QString& id, const QString& uid)
@@ -1059,7 +1054,7 @@ bool TimelineModel::removeEffect(IClip* clip, const QString& id, const QString& 
             effects.erase(found);
             return true;
         },
-        trText("Remove effect"));
+        QCoreApplication::translate("Timeline", "Remove effect"));
 }
 
 bool TimelineModel::replaceEffect(IClip* clip, std::shared_ptr<Effect::Object> effect)
@@ -1090,7 +1085,7 @@ bool TimelineModel::replaceEffect(IClip* clip, std::shared_ptr<Effect::Object> e
             }
             return false;
         },
-        trText("Change %1").arg(effect->nameKey()));
+        QCoreApplication::translate("Timeline", "Change %1").arg(effect->nameKey()));
 }
 
 void TimelineModel::setVideo(const Media::Video& video)
