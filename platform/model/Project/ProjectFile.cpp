@@ -41,14 +41,30 @@ QByteArray serialize(const Timeline::TimelineModel& timeline, const QString& pat
     QJsonArray tracks;
     for (int t = 0; t < timeline.trackCount(); ++t)
         tracks.append(trackName(timeline.trackKind(t)));
+    const QJsonObject head{
+        {QStringLiteral("format"), kFormatName},
+        {QStringLiteral("version"), kFormatVersion},
+        {QStringLiteral("video"),
+         QJsonObject{{QStringLiteral("width"), video.frameWidth()},
+                     {QStringLiteral("height"), video.frameHeight()},
+                     {QStringLiteral("frameRate"), video.frameRate()},
+                     {QStringLiteral("aspect"), QJsonArray{video.frameAspectX(), video.frameAspectY()}}}},
+        {QStringLiteral("tracks"), tracks},
+    };
+    // The small head through QJsonDocument; the media table and the clips, one a line, as
+    // text (see Clip::writeJson): the document stays one JSON object.
+    QByteArray out = QJsonDocument(head).toJson(QJsonDocument::Compact);
+    out.chop(1); // the closing brace: media and clips follow
+    const QList<Timeline::IClip*> clips = timeline.clips();
+    out.reserve(out.size() + clips.size() * 320);
 
     QHash<QString, int> mediaIndex;
-    QJsonArray media;
-    QJsonArray clips;
-    for (Timeline::IClip* c : timeline.clips()) {
+    QByteArray media;
+    QByteArray clipText;
+    for (Timeline::IClip* c : clips) {
         const auto* clip = static_cast<const Timeline::Clip*>(c);
-        QJsonObject o = clip->toJson();
         const QString mediaPath = clip->mediaPath();
+        int index = -1;
         if (!mediaPath.isEmpty()) {
             auto found = mediaIndex.constFind(mediaPath);
             if (found == mediaIndex.constEnd()) {
@@ -60,26 +76,21 @@ QByteArray serialize(const Timeline::TimelineModel& timeline, const QString& pat
                     entry.insert(QStringLiteral("size"), info.size());
                     entry.insert(QStringLiteral("modified"), info.lastModified().toUTC().toString(Qt::ISODateWithMs));
                 }
-                found = mediaIndex.insert(mediaPath, media.size());
-                media.append(entry);
+                media += media.isEmpty() ? "\n" : ",\n";
+                media += QJsonDocument(entry).toJson(QJsonDocument::Compact);
+                found = mediaIndex.insert(mediaPath, mediaIndex.size());
             }
-            o.insert(QStringLiteral("media"), *found);
+            index = *found;
         }
-        clips.append(o);
+        clipText += clipText.isEmpty() ? "\n" : ",\n";
+        clip->writeJson(clipText, index);
     }
-    const QJsonObject root{
-        {QStringLiteral("format"), kFormatName},
-        {QStringLiteral("version"), kFormatVersion},
-        {QStringLiteral("video"),
-         QJsonObject{{QStringLiteral("width"), video.frameWidth()},
-                     {QStringLiteral("height"), video.frameHeight()},
-                     {QStringLiteral("frameRate"), video.frameRate()},
-                     {QStringLiteral("aspect"), QJsonArray{video.frameAspectX(), video.frameAspectY()}}}},
-        {QStringLiteral("tracks"), tracks},
-        {QStringLiteral("media"), media},
-        {QStringLiteral("clips"), clips},
-    };
-    return QJsonDocument(root).toJson(QJsonDocument::Indented);
+    out += ",\n\"media\": [";
+    out += media;
+    out += "],\n\"clips\": [";
+    out += clipText;
+    out += "]}\n";
+    return out;
 }
 
 bool save(const QString& path, const Timeline::TimelineModel& timeline, QString* error)

@@ -22,11 +22,13 @@ QString JsonReader::path(const QString& where, int index)
     return QStringLiteral("%1[%2]").arg(where).arg(index);
 }
 
-bool JsonReader::present(const QJsonObject& o, const QString& key, const QString& where, bool required)
+bool JsonReader::present(const QJsonObject& o, const QString& key, const QString& where, bool required, QJsonValue& v)
 {
     if (!ok())
         return false;
-    if (o.contains(key))
+    // One lookup per field: loading a large project reads hundreds of thousands of them.
+    v = o.value(key);
+    if (!v.isUndefined())
         return true;
     if (required)
         fail(path(where, key), QCoreApplication::translate("Project", "missing"));
@@ -35,9 +37,9 @@ bool JsonReader::present(const QJsonObject& o, const QString& key, const QString
 
 QJsonObject JsonReader::object(const QJsonObject& o, const QString& key, const QString& where, bool required)
 {
-    if (!present(o, key, where, required))
+    QJsonValue v;
+    if (!present(o, key, where, required, v))
         return {};
-    const QJsonValue v = o.value(key);
     if (!v.isObject())
         fail(path(where, key), QCoreApplication::translate("Project", "not an object"));
     return v.toObject();
@@ -45,9 +47,9 @@ QJsonObject JsonReader::object(const QJsonObject& o, const QString& key, const Q
 
 QJsonArray JsonReader::array(const QJsonObject& o, const QString& key, const QString& where, int maxCount, bool required)
 {
-    if (!present(o, key, where, required))
+    QJsonValue v;
+    if (!present(o, key, where, required, v))
         return {};
-    const QJsonValue v = o.value(key);
     if (!v.isArray()) {
         fail(path(where, key), QCoreApplication::translate("Project", "not a list"));
         return {};
@@ -62,9 +64,9 @@ QJsonArray JsonReader::array(const QJsonObject& o, const QString& key, const QSt
 
 QString JsonReader::string(const QJsonObject& o, const QString& key, const QString& where, int maxLength, bool required)
 {
-    if (!present(o, key, where, required))
+    QJsonValue v;
+    if (!present(o, key, where, required, v))
         return {};
-    const QJsonValue v = o.value(key);
     if (!v.isString()) {
         fail(path(where, key), QCoreApplication::translate("Project", "not a text"));
         return {};
@@ -80,9 +82,9 @@ QString JsonReader::string(const QJsonObject& o, const QString& key, const QStri
 double JsonReader::number(const QJsonObject& o, const QString& key, const QString& where, double min, double max,
                           double fallback, bool required)
 {
-    if (!present(o, key, where, required))
+    QJsonValue v;
+    if (!present(o, key, where, required, v))
         return fallback;
-    const QJsonValue v = o.value(key);
     const double d = v.toDouble();
     // NaN fails both comparisons, so it is refused with the rest.
     if (!v.isDouble() || !(d >= min && d <= max)) {
@@ -95,9 +97,9 @@ double JsonReader::number(const QJsonObject& o, const QString& key, const QStrin
 qint64 JsonReader::integer(const QJsonObject& o, const QString& key, const QString& where, qint64 min, qint64 max,
                            qint64 fallback, bool required)
 {
-    if (!present(o, key, where, required))
+    QJsonValue v;
+    if (!present(o, key, where, required, v))
         return fallback;
-    const QJsonValue v = o.value(key);
     const double d = v.toDouble();
     if (!v.isDouble() || !(d >= double(min) && d <= double(max)) || std::trunc(d) != d) {
         fail(path(where, key), QCoreApplication::translate("Project", "not a whole number from %1 to %2").arg(min).arg(max));
@@ -108,9 +110,9 @@ qint64 JsonReader::integer(const QJsonObject& o, const QString& key, const QStri
 
 bool JsonReader::boolean(const QJsonObject& o, const QString& key, const QString& where, bool fallback)
 {
-    if (!present(o, key, where, false))
+    QJsonValue v;
+    if (!present(o, key, where, false, v))
         return fallback;
-    const QJsonValue v = o.value(key);
     if (!v.isBool()) {
         fail(path(where, key), QCoreApplication::translate("Project", "not true or false"));
         return fallback;

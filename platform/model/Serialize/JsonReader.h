@@ -32,7 +32,7 @@ public:
     static QString path(const QString& where, int index);
 
 private:
-    bool present(const QJsonObject& o, const QString& key, const QString& where, bool required);
+    bool present(const QJsonObject& o, const QString& key, const QString& where, bool required, QJsonValue& v);
     QString m_error;
 };
 

@@ -2,6 +2,7 @@
 
 #include "Timeline/Timeline.h"
 
+#include <memory>
 #include <vector>
 
 namespace Serialize {
@@ -13,7 +14,7 @@ namespace Timeline {
 class TimelineModel;
 
 // The clip of TimelineModel. Its values change only through the model's undo commands.
-class Clip final : public IClip, public Serialize::ISerializable
+class Clip final : public IClip, public Serialize::ISerializable, public std::enable_shared_from_this<Clip>
 {
 public:
     struct Data
@@ -71,11 +72,15 @@ public:
 
     QString serialType() const override;
     QJsonObject toJson() const override;
+    // Appends the clip as JSON text; with `mediaIndex` >= 0 the media is named by that index
+    // into a project's media table, else by path.
+    void writeJson(QByteArray& out, int mediaIndex) const;
 
 private:
     friend class TimelineModel;
     Data m_data;
     TimelineModel* m_timeline = nullptr;
+    bool m_attached = false;        // on its timeline now (not only in the undo history)
     Clip* m_leader = nullptr;       // the clip carrying this one's timing
     std::vector<Clip*> m_followers; // clips whose timing this one carries
 };

@@ -7,12 +7,15 @@
 #include <QCoreApplication>
 #include <QFileInfo>
 #include <QJsonArray>
+#include <QJsonDocument>
+#include <QLocale>
 #include <QUndoCommand>
 #include <QUndoStack>
 
 #include <glog/logging.h>
 
 #include <algorithm>
+#include <cstdio>
 
 namespace Timeline {
 
@@ -162,42 +165,116 @@ QString Clip::serialType() const
     return QStringLiteral("clip");
 }
 
-QJsonObject Clip::toJson() const
+namespace {
+
+// JSON text of a string, escaped as RFC 8259 asks, in UTF-8.
+void appendString(QByteArray& out, const QString& text)
 {
+    out += '"';
+    const QByteArray utf8 = text.toUtf8();
+    for (const char c : utf8) {
+        switch (c) {
+        case '"': out += "\\\""; break;
+        case '\\': out += "\\\\"; break;
+        case '\n': out += "\\n"; break;
+        case '\t': out += "\\t"; break;
+        case '\r': out += "\\r"; break;
+        default:
+            if (uchar(c) < 0x20) {
+                char escaped[8];
+                std::snprintf(escaped, sizeof escaped, "\\u%04x", unsigned(uchar(c)));
+                out += escaped;
+            } else {
+                out += c;
+            }
+        }
+    }
+    out += '"';
+}
+
+void appendField(QByteArray& out, const char* key)
+{
+    if (!out.endsWith('{'))
+        out += ',';
+    out += '"';
+    out += key;
+    out += "\":";
+}
+
+} // namespace
+
+void Clip::writeJson(QByteArray& out, int mediaIndex) const
+{
+    // Written as text, not built as a QJsonObject: saving a project of 10,000 clips spends
+    // most of its time here, and the text costs a fraction of the object tree.
     const Data& d = m_data;
-    QJsonObject o{
-        {QStringLiteral("id"), d.id},
-        {QStringLiteral("type"), qint64(d.type)},
-        {QStringLiteral("track"), d.track},
-        {QStringLiteral("start"), d.start.microseconds()},
-        {QStringLiteral("in"), d.timing.sourceIn.microseconds()},
-        {QStringLiteral("length"), d.timing.sourceLength.microseconds()},
-        {QStringLiteral("speed"), d.timing.speed},
-        {QStringLiteral("name"), d.description.name},
-        {QStringLiteral("category"), d.description.category},
-        {QStringLiteral("mediaType"), int(d.mediaType)},
-    };
-    if (!d.mediaPath.isEmpty())
-        o.insert(QStringLiteral("media"), d.mediaPath);
-    if (d.videoTrack)
-        o.insert(QStringLiteral("videoTrack"), d.videoTrack);
-    if (d.nativeAudio)
-        o.insert(QStringLiteral("nativeAudio"), true);
-    if (!d.groupId.isEmpty())
-        o.insert(QStringLiteral("group"), d.groupId);
-    if (!d.text.isEmpty())
-        o.insert(QStringLiteral("text"), d.text);
-    if (d.timing.reversed)
-        o.insert(QStringLiteral("reversed"), true);
-    if (d.timing.speedCompensated)
-        o.insert(QStringLiteral("speedCompensated"), true);
+    out += '{';
+    appendField(out, "id");
+    appendString(out, d.id);
+    appendField(out, "type");
+    out += QByteArray::number(uint(d.type));
+    appendField(out, "track");
+    out += QByteArray::number(d.track);
+    appendField(out, "start");
+    out += QByteArray::number(d.start.microseconds());
+    appendField(out, "in");
+    out += QByteArray::number(d.timing.sourceIn.microseconds());
+    appendField(out, "length");
+    out += QByteArray::number(d.timing.sourceLength.microseconds());
+    appendField(out, "speed");
+    out += QByteArray::number(d.timing.speed, 'g', QLocale::FloatingPointShortest);
+    appendField(out, "name");
+    appendString(out, d.description.name);
+    appendField(out, "category");
+    appendString(out, d.description.category);
+    appendField(out, "mediaType");
+    out += QByteArray::number(int(d.mediaType));
+    if (mediaIndex >= 0) {
+        appendField(out, "media");
+        out += QByteArray::number(mediaIndex);
+    } else if (!d.mediaPath.isEmpty()) {
+        appendField(out, "media");
+        appendString(out, d.mediaPath);
+    }
+    if (d.videoTrack) {
+        appendField(out, "videoTrack");
+        out += QByteArray::number(d.videoTrack);
+    }
+    if (d.nativeAudio) {
+        appendField(out, "nativeAudio");
+        out += "true";
+    }
+    if (!d.groupId.isEmpty()) {
+        appendField(out, "group");
+        appendString(out, d.groupId);
+    }
+    if (!d.text.isEmpty()) {
+        appendField(out, "text");
+        appendString(out, d.text);
+    }
+    if (d.timing.reversed) {
+        appendField(out, "reversed");
+        out += "true";
+    }
+    if (d.timing.speedCompensated) {
+        appendField(out, "speedCompensated");
+        out += "true";
+    }
     if (!d.effects.empty()) {
         QJsonArray effects;
         for (const auto& effect : d.effects)
             effects.append(effect->toJson());
-        o.insert(QStringLiteral("effects"), effects);
+        appendField(out, "effects");
+        out += QJsonDocument(effects).toJson(QJsonDocument::Compact);
     }
-    return o;
+    out += '}';
+}
+
+QJsonObject Clip::toJson() const
+{
+    QByteArray text;
+    writeJson(text, -1);
+    return QJsonDocument::fromJson(text).object();
 }
 
 std::shared_ptr<Clip> Clip::fromJson(const QJsonObject& json, Serialize::JsonReader& reader, const QString& where,
@@ -465,6 +542,7 @@ void TimelineModel::reset(Content content)
     m_undo->clear();
     m_selection.clear();
     m_byId.clear();
+    m_byIdValid = false;
     m_tracks.clear(); // and with them what was known of their ends
     for (TrackKind kind : content.tracks)
         m_tracks.push_back(Track{kind, {}, MediaTime(), false});
@@ -485,14 +563,14 @@ void TimelineModel::reset(Content content)
         clip->m_leader = nullptr;
         clip->m_followers.clear();
         clip->m_timeline = this;
-        m_byId.insert(clip->m_data.id, clip.get());
+        clip->m_attached = true;
         m_tracks[size_t(clip->m_data.track)].clips.push_back(clip);
         ++m_clipCount;
     }
     for (Track& track : m_tracks)
         std::stable_sort(track.clips.begin(), track.clips.end(), byStart);
     for (auto& clip : content.clips) {
-        if (Clip* leader = m_byId.value(clip->m_data.groupId)) {
+        if (Clip* leader = clip->m_data.groupId.isEmpty() ? nullptr : clipById(clip->m_data.groupId)) {
             clip->m_leader = leader;
             leader->m_followers.push_back(clip.get());
         }
@@ -526,24 +604,30 @@ QStringList TimelineModel::mediaPaths() const
 
 Clip* TimelineModel::clipById(const QString& id) const
 {
+    if (!m_byIdValid) {
+        m_byId.clear();
+        m_byId.reserve(m_clipCount);
+        for (const Track& track : m_tracks)
+            for (const auto& clip : track.clips)
+                m_byId.insert(clip->m_data.id, clip.get());
+        m_byIdValid = true;
+    }
     return m_byId.value(id);
 }
 
 Clip* TimelineModel::own(IClip* clip) const
 {
-    if (!clip)
-        return nullptr;
-    Clip* mine = m_byId.value(clip->id());
-    return mine == clip ? mine : nullptr;
+    // No lookup by id: this runs once per clip of every change, and a pointer of another
+    // timeline (or a clip only in the undo history) is told apart by the clip itself.
+    auto* mine = dynamic_cast<Clip*>(clip);
+    return mine && mine->m_timeline == this && mine->m_attached ? mine : nullptr;
 }
 
 QString TimelineModel::newClipId()
 {
-    QString id;
-    do
-        id = QStringLiteral("c%1").arg(m_nextId++);
-    while (m_byId.contains(id));
-    return id;
+    // Unique without a lookup: ids of loaded clips are below m_nextId (see reset()), and
+    // ids not of this form cannot meet one that is.
+    return QStringLiteral("c%1").arg(m_nextId++);
 }
 
 TrackKind TimelineModel::trackKind(int track) const
@@ -610,11 +694,14 @@ int TimelineModel::firstTrack(TrackKind kind, int wanted) const
 
 QList<IClip*> TimelineModel::inOrder(std::vector<Clip*> clips) const
 {
-    std::sort(clips.begin(), clips.end(), [](const Clip* a, const Clip* b) {
+    const auto before = [](const Clip* a, const Clip* b) {
         if (a->m_data.track != b->m_data.track)
             return a->m_data.track < b->m_data.track;
         return a->m_data.start < b->m_data.start;
-    });
+    };
+    // Undoing a removal brings clips back in the order they left: nothing to sort.
+    if (!std::is_sorted(clips.begin(), clips.end(), before))
+        std::sort(clips.begin(), clips.end(), before);
     QList<IClip*> list;
     list.reserve(int(clips.size()));
     for (Clip* clip : clips)
@@ -641,7 +728,7 @@ void TimelineModel::attach(const std::vector<std::shared_ptr<Clip>>& clips)
     attached.reserve(clips.size());
     for (const auto& clip : clips) {
         clip->m_timeline = this;
-        m_byId.insert(clip->m_data.id, clip.get());
+        clip->m_attached = true;
         // Appended; a track that ends up out of order is sorted once, so re-attaching
         // thousands of clips stays O(n log n) and appending stays O(1) each.
         Track& track = m_tracks[size_t(clip->m_data.track)];
@@ -656,8 +743,20 @@ void TimelineModel::attach(const std::vector<std::shared_ptr<Clip>>& clips)
     for (size_t t = 0; t < m_tracks.size(); ++t)
         if (touched[t])
             std::stable_sort(m_tracks[t].clips.begin(), m_tracks[t].clips.end(), byStart);
+    m_byIdValid = false;
+    // A group usually arrives whole (a video with its sound): its leader is found among
+    // the clips of this insertion without indexing the whole timeline.
+    QHash<QString, Clip*> batch;
+    if (std::any_of(attached.begin(), attached.end(), [](const Clip* c) { return !c->m_data.groupId.isEmpty(); }))
+        for (Clip* c : attached)
+            batch.insert(c->m_data.id, c);
     for (Clip* clip : attached) {
-        if (Clip* leader = m_byId.value(clip->m_data.groupId)) {
+        if (clip->m_data.groupId.isEmpty())
+            continue;
+        Clip* leader = batch.value(clip->m_data.groupId);
+        if (!leader)
+            leader = clipById(clip->m_data.groupId);
+        if (leader) {
             clip->m_leader = leader;
             if (std::find(leader->m_followers.begin(), leader->m_followers.end(), clip) == leader->m_followers.end())
                 leader->m_followers.push_back(clip);
@@ -671,24 +770,31 @@ void TimelineModel::detach(const std::vector<std::shared_ptr<Clip>>& clips)
 {
     QSet<const Clip*> gone;
     gone.reserve(int(clips.size()));
-    std::vector<Clip*> removed;
-    for (const auto& clip : clips) {
+    for (const auto& clip : clips)
         gone.insert(clip.get());
-        removed.push_back(clip.get());
-    }
-    const QList<IClip*> ordered = inOrder(removed);
-    forgetEnds();
-    bool selectionChanged = false;
+    // Collected track by track while they leave: already in timeline order, in one pass.
+    QList<IClip*> ordered;
+    ordered.reserve(int(clips.size()));
     for (Track& track : m_tracks) {
         auto& list = track.clips;
-        list.erase(std::remove_if(list.begin(), list.end(), [&](const auto& c) { return gone.contains(c.get()); }), list.end());
+        list.erase(std::remove_if(list.begin(), list.end(),
+                                  [&](const auto& c) {
+                                      if (!gone.contains(c.get()))
+                                          return false;
+                                      ordered << c.get();
+                                      return true;
+                                  }),
+                   list.end());
     }
-    for (Clip* clip : removed) {
-        m_byId.remove(clip->m_data.id);
-        selectionChanged = m_selection.remove(clip) || selectionChanged;
+    forgetEnds();
+    m_byIdValid = false;
+    bool selectionChanged = false;
+    for (const auto& clip : clips) {
+        clip->m_attached = false;
+        selectionChanged = (!m_selection.isEmpty() && m_selection.remove(clip.get())) || selectionChanged;
         if (clip->m_leader) {
             auto& followers = clip->m_leader->m_followers;
-            followers.erase(std::remove(followers.begin(), followers.end(), clip), followers.end());
+            followers.erase(std::remove(followers.begin(), followers.end(), clip.get()), followers.end());
             clip->m_leader = nullptr;
         }
         --m_clipCount;
@@ -844,13 +950,7 @@ IClip* TimelineModel::addOverlayPreset(const OverlayPreset& preset, const ClipBu
 
 std::shared_ptr<Clip> TimelineModel::shared(Clip* clip) const
 {
-    const auto& track = m_tracks[size_t(clip->m_data.track)].clips;
-    const auto found = std::lower_bound(track.begin(), track.end(), clip->m_data.start,
-                                        [](const auto& c, MediaTime t) { return c->m_data.start < t; });
-    for (auto it = found; it != track.end() && (*it)->m_data.start == clip->m_data.start; ++it)
-        if (it->get() == clip)
-            return *it;
-    return nullptr;
+    return clip->shared_from_this();
 }
 
 std::vector<std::shared_ptr<Clip>> TimelineModel::withGroups(const QList<IClip*>& clips) const
@@ -970,7 +1070,7 @@ IClip* TimelineModel::timingClip(IClip* clip) const
 bool TimelineModel::takesAdjustments(const IClip* clip) const
 {
     // The sound of a video is adjusted through its video: speed and direction are the group's.
-    return clip && m_byId.value(clip->id()) == clip && !clip->isNativeAudio();
+    return own(const_cast<IClip*>(clip)) && !clip->isNativeAudio();
 }
 
 bool TimelineModel::changeTiming(IClip* c, const std::function<void(ClipTiming&)>& edit, const QString& text)

@@ -132,7 +132,10 @@ private:
     Media::Video m_video;
     std::vector<Track> m_tracks;
     int m_clipCount = 0;
-    QHash<QString, Clip*> m_byId;
+    // Clips by id, rebuilt on demand: kept up to date on every change it would cost a
+    // string hash per clip of each insertion and removal.
+    mutable QHash<QString, Clip*> m_byId;
+    mutable bool m_byIdValid = true;
     QSet<const IClip*> m_selection;
     QSet<QString> m_missing;
     MediaResolver m_resolver;
