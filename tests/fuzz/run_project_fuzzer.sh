@@ -21,6 +21,7 @@ sources="$model/Effect/Effect.cpp $model/Timeline/TimelineModel.cpp $model/Seria
 stale() { [ ! -x "$1" ] || [ -n "$(find "$here/fuzz_project.cpp" $sources "$model/Timeline" "$model/Effect" "$0" -newer "$1")" ]; }
 
 mkdir -p "$out/seeds" "$out/corpus" "$out/crashes" "$out/gen"
+: > "$out/build.log"
 [ -f "$build/lib/libKvPlatformCore.so" ] || fail "build KvPlatformCore first ($build/lib/libKvPlatformCore.so)"
 "$qtbin/moc" -I"$model" "$model/Timeline/TimelineModel.h" -o "$out/gen/moc_TimelineModel.cpp"
 "$qtbin/rcc" -name effects "$model/Effect/effects.qrc" -o "$out/gen/qrc_effects.cpp"
@@ -28,15 +29,26 @@ flags="-std=c++17 -g -O1 -fPIC -Wall -Wextra -I$model -I$root/platform/core $(pk
   -fno-sanitize-recover=undefined -fsanitize=address,undefined"
 libs="-L$build/lib -Wl,-rpath,$build/lib -lKvPlatformCore $(pkg-config --libs Qt5Widgets libglog)"
 if stale "$out/fuzz_project"; then
+    # The loader is compiled once, instrumented, and linked into both programs: the target
+    # and the seed writer.
+    objects=""
+    for source in $sources "$out/gen/moc_TimelineModel.cpp" "$out/gen/qrc_effects.cpp"; do
+        object=$out/gen/$(basename "$source" .cpp).o
+        # shellcheck disable=SC2086
+        "$cxx" $flags -fsanitize=fuzzer-no-link -c "$source" -o "$object" 2>> "$out/build.log" || {
+            cat "$out/build.log" >&2
+            fail "'$cxx' cannot build the loader for fuzzing (Debian: clang and libclang-rt-dev; scripts/setup.sh installs both)."
+        }
+        objects="$objects $object"
+    done
     # shellcheck disable=SC2086
-    "$cxx" $flags -fsanitize=fuzzer "$here/fuzz_project.cpp" $sources "$out/gen/moc_TimelineModel.cpp" \
-        "$out/gen/qrc_effects.cpp" $libs -o "$out/fuzz_project" 2> "$out/build.log" || {
+    "$cxx" $flags -fsanitize=fuzzer "$here/fuzz_project.cpp" $objects $libs -o "$out/fuzz_project" 2>> "$out/build.log" || {
         cat "$out/build.log" >&2
-        fail "'$cxx' cannot build the libFuzzer target (Debian: clang and libclang-rt-dev; scripts/setup.sh installs both)."
+        fail "'$cxx' cannot link the libFuzzer target"
     }
     # shellcheck disable=SC2086
-    "$cxx" $flags -DKV_PROJECT_SEEDS "$here/fuzz_project.cpp" $sources "$out/gen/moc_TimelineModel.cpp" \
-        "$out/gen/qrc_effects.cpp" $libs -o "$out/project_seeds" || fail "building the seed writer failed"
+    "$cxx" $flags -fsanitize=fuzzer-no-link -DKV_PROJECT_SEEDS "$here/fuzz_project.cpp" $objects $libs \
+        -o "$out/project_seeds" || fail "building the seed writer failed"
 fi
 "$out/project_seeds" "$out/seeds" || fail "writing the seed corpus failed"
 if [ "$seconds" = 0 ]; then
