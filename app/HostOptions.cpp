@@ -15,10 +15,12 @@ HostOptions HostOptions::take(QStringList& arguments)
         {QStringLiteral("--find-missing"), [&](const QString& v) { options.findMissingList = v; }},
         {QStringLiteral("--search-folder"), [&](const QString& v) { options.searchFolder = v; }},
         {QStringLiteral("--show-file"), [&](const QString& v) { options.showFile = v; }},
+        {QStringLiteral("--save-project"), [&](const QString& v) { options.saveProjectPath = v; }},
         {QStringLiteral("--thumbnails-to"), [&](const QString& v) { options.thumbnailsDir = v; }},
         {QStringLiteral("--thumbnail-size"), [&](const QString& v) { options.thumbnailSize = v.toInt(); }},
     };
     const std::map<QString, std::function<void()>> flags{
+        {QStringLiteral("--place-on-timeline"), [&] { options.placeOnTimeline = true; }},
         {QStringLiteral("--help"), [&] { options.help = true; }},
         {QStringLiteral("-h"), [&] { options.help = true; }},
         {QStringLiteral("-?"), [&] { options.help = true; }},
@@ -60,6 +62,9 @@ QString HostOptions::usage()
         "  --locale <code>            user-interface locale, e.g. de_DE\n"
         "  --screenshot <png>         save the main window once ready, then quit\n"
         "  --quit-after-ready <ms>    quit that long after start-up\n"
+        "  --quit-after-batches <n>   quit once n media batches have been reported\n"
+        "  --place-on-timeline        put the named media on the timeline once they have opened\n"
+        "  --save-project <file>      then save the project there and quit\n"
         "  --dialog-gallery <folder>  render every standard dialog to a PNG there and exit\n"
         "  --thumbnails-to <folder>   write the named files' thumbnails there as PNGs and exit\n"
         "  --thumbnail-size <px>      the box those thumbnails are fitted into (default 128)\n"

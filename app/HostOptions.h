@@ -19,6 +19,8 @@ struct HostOptions
     int thumbnailSize = 128;    // --thumbnail-size <px>: the box they are fitted into
     bool help = false;          // --help, -h: print the usage and exit
     bool version = false;       // --version, -v: print the version and exit
+    bool placeOnTimeline = false; // --place-on-timeline: put the named media on the timeline once opened
+    QString saveProjectPath;    // --save-project <file.kvproj>: then save the project there and quit
 
     // Removes the host options from `arguments` (element 0 is the program) and returns them.
     static HostOptions take(QStringList& arguments);

@@ -1,6 +1,7 @@
 #include "MainWindow.h"
 
 #include <EditorCollection/Collection.h>
+#include <Settings/ProjectFiles.h>
 
 #include <QApplication>
 #include <QDockWidget>
@@ -189,8 +190,18 @@ void MainWindow::showCollectionPage(const QString& name)
     m_pages->setCurrentWidget(page);
 }
 
-void MainWindow::addFiles(const QStringList& files)
+void MainWindow::addFiles(const QStringList& arrived)
 {
+    // Projects are opened, not added to the bin.
+    QStringList files;
+    for (const QString& file : arrived) {
+        if (Settings::supportedProjectFileExtensions().contains(QFileInfo(file).suffix().toLower()))
+            emit projectOpenRequested(file);
+        else
+            files << file;
+    }
+    if (files.isEmpty())
+        return;
     for (const QString& file : files) {
         auto* item = new QListWidgetItem(QFileInfo(file).fileName(), m_bin);
         item->setToolTip(file);

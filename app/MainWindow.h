@@ -40,6 +40,8 @@ public:
 
 signals:
     void filesAdded(const QStringList& files);
+    // A project file arrived where media files do (command line, second launch).
+    void projectOpenRequested(const QString& path);
 
 private:
     void buildMenus();

@@ -8,6 +8,7 @@
 #include "ImportMenu.h"
 #include "MainWindow.h"
 #include "MediaBin.h"
+#include "ProjectController.h"
 #include "SecondLaunch.h"
 #include "ThumbnailExport.h"
 
@@ -162,9 +163,26 @@ int main(int argc, char** argv)
         if (++batches == options.quitAfterBatches)
             QApplication::quit();
     });
+    // The project: timeline panel, File and Edit menus, project files from the command line.
+    ProjectController project(&window, &mediaBin);
 
     window.show();
     PubSub::publish(Command::ReadyNotification());
+    const QStringList namedFiles = project.takeNamedFiles();
+    if (options.placeOnTimeline || !options.saveProjectPath.isEmpty()) {
+        project.placeWhenOpened(options.placeOnTimeline ? namedFiles : QStringList(), [&] {
+            if (options.saveProjectPath.isEmpty())
+                return;
+            QString why;
+            if (project.saveAs(options.saveProjectPath, &why)) {
+                QApplication::exit(0);
+            } else {
+                std::fprintf(stderr, "klipvane: cannot save the project to %s: %s\n",
+                             qPrintable(options.saveProjectPath), qPrintable(why));
+                QApplication::exit(1);
+            }
+        });
+    }
 
     // Start-up work goes through the gateway, so it waits if a blocking dialog is up.
     Action::proposeAction(Action::ACTION_STARTUP, [&window] {

@@ -70,12 +70,16 @@ class TestSecondLaunch : public QObject
     QProcessEnvironment m_environment;
     QString m_files;
 
-    // Creates a file in the test's folder; only names and extensions matter to the editor.
+    // Creates a file in the test's folder; only names and extensions matter to the editor,
+    // except for projects, which it reads (an empty one here).
     QString file(const QString& name)
     {
         QFile out(m_files + QLatin1Char('/') + name);
         if (out.open(QIODevice::WriteOnly))
-            out.write("klipvane test file");
+            out.write(name.endsWith(QLatin1String(".kvproj"))
+                          ? "{\"format\": \"klipvane-project\", \"version\": 1, \"tracks\": [\"video\"], \"media\": [],"
+                            " \"clips\": [], \"video\": {\"width\": 1920, \"height\": 1080, \"frameRate\": 25}}"
+                          : "klipvane test file");
         return out.fileName();
     }
     std::unique_ptr<Editor> launch(const QStringList& arguments)
@@ -115,21 +119,25 @@ private slots:
     void init() { useHome(std::make_unique<QTemporaryDir>()); }
 
     // Arguments of the second launch (names in the test's folder) and the files the running
-    // editor adds, in order. A project is sent as "OnOpenProject": the window comes up
-    // without the user-files page; the host has no project format, so nothing is added.
+    // editor adds, in order. A project is sent as "OnOpenProject": it arrives like a file,
+    // is opened as a project, and the window comes up without the user-files page.
     void handsFilesToTheRunningEditor_data()
     {
         QTest::addColumn<QStringList>("arguments");
         QTest::addColumn<QStringList>("added");
         QTest::addColumn<int>("status");
+        QTest::addColumn<QString>("project");
         QTest::newRow("spaces, non-ASCII, order kept, unsupported dropped")
             << QStringList{"my holiday clip.mp4", "notes.txt", QString::fromUtf8("Überschall → 夏.mp4")}
-            << QStringList{"my holiday clip.mp4", QString::fromUtf8("Überschall → 夏.mp4")} << 0;
-        QTest::newRow("mode is not a file") << QStringList{"--mode", "slideshow", "a.mp4"} << QStringList{"a.mp4"} << 0;
-        QTest::newRow("no files only shows the window") << QStringList{} << QStringList{} << 0;
-        QTest::newRow("a project is opened, not added") << QStringList{"story.kvproj"} << QStringList{} << 0;
+            << QStringList{"my holiday clip.mp4", QString::fromUtf8("Überschall → 夏.mp4")} << 0 << QString();
+        QTest::newRow("mode is not a file") << QStringList{"--mode", "slideshow", "a.mp4"} << QStringList{"a.mp4"} << 0
+                                            << QString();
+        QTest::newRow("no files only shows the window") << QStringList{} << QStringList{} << 0 << QString();
+        QTest::newRow("a project is opened, not added") << QStringList{"story.kvproj"} << QStringList{} << 0
+                                                        << "story.kvproj";
         // Nothing the editor could open: the launch says so itself and leaves the editor alone.
-        QTest::newRow("only unsupported files") << QStringList{"notes.txt", "letter.doc"} << QStringList{} << 4;
+        QTest::newRow("only unsupported files") << QStringList{"notes.txt", "letter.doc"} << QStringList{} << 4
+                                                << QString();
     }
 
     void handsFilesToTheRunningEditor()
@@ -137,6 +145,7 @@ private slots:
         QFETCH(QStringList, arguments);
         QFETCH(QStringList, added);
         QFETCH(int, status);
+        QFETCH(QString, project);
         for (const QString& argument : arguments.filter(QStringLiteral(".")))
             file(argument);
         auto primary = startPrimary();
@@ -155,7 +164,11 @@ private slots:
         QStringList expected{QStringLiteral("ShowMainWindow")};
         if (!added.isEmpty())
             expected.prepend("AddFiles " + m_files + '/' + added.join(QLatin1Char(' ') + m_files + '/'));
+        if (!project.isEmpty())
+            expected.prepend("AddFiles " + m_files + '/' + project);
         QCOMPARE(primary->commands().mid(before), expected);
+        QCOMPARE(KvTest::logged(primary->log(), QStringLiteral("project: opened ")),
+                 project.isEmpty() ? QStringList() : QStringList{m_files + '/' + project + " (0 clips, 0 missing)"});
         // Files from outside open the collection page of the user's files; nothing else does.
         QCOMPARE(KvTest::logged(primary->log(), QStringLiteral("collection: ")),
                  added.isEmpty() ? QStringList() : QStringList{"UserFiles"});

@@ -1,6 +1,7 @@
 #include "FileUtil/FileUtil.h"
 
 #include "Conf/FormatConfiguration.h"
+#include "Settings/ProjectFiles.h"
 
 #include <QDir>
 #include <QFile>
@@ -20,7 +21,8 @@ namespace FileUtil {
 
 QStringList supportedFileExtensions()
 {
-    return Tavrin::Conf::FormatConfiguration::instance().allExtensions();
+    // Projects open like media from the command line, a second launch or a drop.
+    return Tavrin::Conf::FormatConfiguration::instance().allExtensions() + Settings::supportedProjectFileExtensions();
 }
 
 QStringList videoExtensions()

@@ -7,8 +7,8 @@
 
 namespace FileUtil {
 
-// Lower-case extensions (without the dot) of every file the editor can open, and of each
-// group, as the format configuration lists them.
+// Lower-case extensions (without the dot) of every file the editor can open (media and
+// projects), and of each media group, as the format configuration lists them.
 QStringList supportedFileExtensions();
 QStringList videoExtensions();
 QStringList pictureExtensions();

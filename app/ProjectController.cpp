@@ -1,0 +1,359 @@
+#include "ProjectController.h"
+
+#include "MainWindow.h"
+#include "MediaBin.h"
+#include "TimelinePanel.h"
+
+#include <Dialog/DialogStrategy.h>
+#include <Project/ProjectFile.h>
+#include <Settings/Settings.h>
+
+#include <QAction>
+#include <QCloseEvent>
+#include <QComboBox>
+#include <QDialog>
+#include <QDialogButtonBox>
+#include <QDockWidget>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QFormLayout>
+#include <QListWidget>
+#include <QMenu>
+#include <QMenuBar>
+#include <QSpinBox>
+#include <QTimer>
+#include <QUndoStack>
+
+#include <glog/logging.h>
+
+namespace {
+
+const QString kRecentKey = QStringLiteral("recentProjects");
+constexpr int kRecentCount = 8;
+
+std::string text(const QString& s)
+{
+    return s.toStdString();
+}
+
+QString projectFilter()
+{
+    return ProjectController::tr("Klipvane projects (*.%1)").arg(Project::extension());
+}
+
+} // namespace
+
+ProjectController::ProjectController(MainWindow* window, MediaBin* bin, QObject* parent)
+    : QObject(parent), m_window(window), m_bin(bin)
+{
+    m_productName = window->windowTitle();
+    m_timeline.setMediaResolver([this](const QString& path) { return m_files.value(path); });
+    // The bin's files by path, so clips find theirs in constant time.
+    Media::FilePool& pool = bin->pool();
+    for (const Media::File* file : pool.files())
+        m_files.insert(file->filePath(), file);
+    connect(&pool, &Media::FilePool::fileAdded, this, [this](const Media::File* file) {
+        m_files.insert(file->filePath(), file);
+    });
+    connect(&pool, &Media::FilePool::fileRemoved, this, [this](const Media::File* file) {
+        if (m_files.value(file->filePath()) == file)
+            m_files.remove(file->filePath());
+        m_panel->update();
+    });
+    const auto refresh = [this] {
+        m_panel->update();
+        checkPendingPlacement();
+    };
+    connect(&pool, &Media::FilePool::fileOpened, this, refresh);
+    connect(&pool, &Media::FilePool::fileFailed, this, refresh);
+
+    m_panel = new TimelinePanel(&m_timeline);
+    auto* dock = new QDockWidget(tr("Timeline"), window);
+    dock->setObjectName(QStringLiteral("timelineDock"));
+    dock->setWidget(m_panel);
+    dock->setFeatures(QDockWidget::NoDockWidgetFeatures);
+    window->addDockWidget(Qt::BottomDockWidgetArea, dock);
+    connect(m_panel, &TimelinePanel::placeRequested, this, &ProjectController::placeBinSelection);
+    connect(m_panel, &TimelinePanel::projectSettingsRequested, this, &ProjectController::showProjectSettings);
+    connect(window, &MainWindow::filesAdded, this, [this](const QStringList& files) {
+        if (m_collectNamed && !m_openingProject)
+            m_namedFiles << files;
+    });
+    connect(window, &MainWindow::projectOpenRequested, this, [this](const QString& path) { openProject(path); });
+    connect(m_timeline.undoStack(), &QUndoStack::cleanChanged, this, &ProjectController::updateTitle);
+    window->installEventFilter(this);
+    buildMenus();
+    updateTitle();
+}
+
+ProjectController::~ProjectController()
+{
+    m_window->removeEventFilter(this);
+}
+
+bool ProjectController::isModified() const
+{
+    return !m_timeline.undoStack()->isClean();
+}
+
+void ProjectController::buildMenus()
+{
+    QMenuBar* bar = m_window->menuBar();
+    QAction* first = bar->actions().value(0);
+    auto* file = new QMenu(tr("&File"), m_window);
+    file->setObjectName(QStringLiteral("fileMenu"));
+    file->addAction(tr("&New"), this, [this] { newProject(); }, QKeySequence::New);
+    file->addAction(tr("&Open..."), this, [this] {
+        const QString path = QFileDialog::getOpenFileName(m_window, tr("Open project"), QString(), projectFilter());
+        if (!path.isEmpty())
+            openProject(path);
+    }, QKeySequence::Open);
+    m_recentMenu = file->addMenu(tr("Open &Recent"));
+    m_recentMenu->setObjectName(QStringLiteral("recentMenu"));
+    connect(m_recentMenu, &QMenu::aboutToShow, this, &ProjectController::fillRecentMenu);
+    file->addAction(tr("&Save"), this, [this] { save(); }, QKeySequence::Save);
+    file->addAction(tr("Save &As..."), this, [this] {
+        const QString path = QFileDialog::getSaveFileName(m_window, tr("Save project"), m_path, projectFilter());
+        if (!path.isEmpty())
+            saveAs(QFileInfo(path).suffix().isEmpty() ? path + QLatin1Char('.') + Project::extension() : path);
+    }, QKeySequence::SaveAs);
+    file->addSeparator();
+    file->addAction(tr("Project se&ttings..."), this, &ProjectController::showProjectSettings);
+    file->addSeparator();
+    file->addAction(tr("&Quit"), m_window, &QWidget::close, QKeySequence::Quit);
+    bar->insertMenu(first, file);
+
+    auto* edit = new QMenu(tr("&Edit"), m_window);
+    edit->setObjectName(QStringLiteral("editMenu"));
+    QAction* undo = m_timeline.undoStack()->createUndoAction(edit, tr("&Undo"));
+    undo->setShortcut(QKeySequence::Undo);
+    undo->setObjectName(QStringLiteral("undoAction"));
+    QAction* redo = m_timeline.undoStack()->createRedoAction(edit, tr("&Redo"));
+    redo->setShortcut(QKeySequence::Redo);
+    redo->setObjectName(QStringLiteral("redoAction"));
+    edit->addAction(undo);
+    edit->addAction(redo);
+    edit->addSeparator();
+    edit->addAction(tr("Select &all clips"), this, [this] { m_timeline.selectAll(); });
+    edit->addAction(tr("&Remove selected clips"), this, [this] { m_timeline.removeClips(m_timeline.selectedClips()); });
+    bar->insertMenu(first, edit);
+}
+
+void ProjectController::updateTitle()
+{
+    const QString name = m_path.isEmpty() ? tr("Untitled") : QFileInfo(m_path).completeBaseName();
+    m_window->setWindowTitle(QStringLiteral("%1[*] \u2014 %2").arg(name, m_productName));
+    m_window->setWindowModified(isModified());
+}
+
+bool ProjectController::maySafelyDiscard()
+{
+    if (!isModified())
+        return true;
+    bool saveFirst = false;
+    if (!Dialog::alertModifiedProject(saveFirst))
+        return false;
+    return !saveFirst || save();
+}
+
+bool ProjectController::newProject()
+{
+    if (!maySafelyDiscard())
+        return false;
+    Timeline::TimelineModel::Content empty;
+    empty.tracks = Timeline::TimelineModel::defaultTracks();
+    m_timeline.reset(std::move(empty));
+    m_path.clear();
+    updateTitle();
+    LOG(INFO) << "project: new";
+    emit projectChanged();
+    return true;
+}
+
+bool ProjectController::openProject(const QString& path)
+{
+    const QString absolute = QFileInfo(path).absoluteFilePath();
+    if (!maySafelyDiscard())
+        return false;
+    Project::Loaded loaded;
+    QString why;
+    if (!Project::load(absolute, &loaded, &why)) {
+        LOG(WARNING) << "project: refused " << text(absolute) << ": " << text(why);
+        Dialog::showWarning(tr("Open project"), tr("%1 cannot be opened.\n\n%2").arg(QFileInfo(absolute).fileName(), why));
+        return false;
+    }
+    const int missing = loaded.missingCount();
+    // The project's media join the bin (and are opened) unless they are there already.
+    QStringList toOpen;
+    for (const Project::MediaEntry& media : loaded.media)
+        if (!media.resolved.isEmpty() && !m_files.contains(media.resolved) && !toOpen.contains(media.resolved))
+            toOpen << media.resolved;
+    m_timeline.reset(std::move(loaded.content));
+    m_path = absolute;
+    if (!toOpen.isEmpty()) {
+        m_openingProject = true;
+        m_window->addFiles(toOpen);
+        m_openingProject = false;
+    }
+    updateTitle();
+    rememberRecent(absolute);
+    LOG(INFO) << "project: opened " << text(absolute) << " (" << m_timeline.clipCount() << " clips, " << missing << " missing)";
+    emit projectChanged();
+    return true;
+}
+
+bool ProjectController::save()
+{
+    if (m_path.isEmpty()) {
+        const QString path = QFileDialog::getSaveFileName(m_window, tr("Save project"), QString(), projectFilter());
+        return !path.isEmpty() && saveAs(path);
+    }
+    return saveAs(m_path);
+}
+
+bool ProjectController::saveAs(const QString& path, QString* error)
+{
+    const QString absolute = QFileInfo(path).absoluteFilePath();
+    QString why;
+    if (!Project::save(absolute, m_timeline, &why)) {
+        LOG(WARNING) << "project: not saved " << text(absolute) << ": " << text(why);
+        if (error)
+            *error = why;
+        else
+            Dialog::showWarning(tr("Save project"), why);
+        return false;
+    }
+    m_path = absolute;
+    m_timeline.undoStack()->setClean();
+    updateTitle();
+    rememberRecent(absolute);
+    LOG(INFO) << "project: saved " << text(absolute);
+    return true;
+}
+
+QStringList ProjectController::takeNamedFiles()
+{
+    m_collectNamed = false;
+    return std::exchange(m_namedFiles, QStringList());
+}
+
+QStringList ProjectController::recentProjects()
+{
+    return Settings::value(kRecentKey).toStringList();
+}
+
+void ProjectController::rememberRecent(const QString& path)
+{
+    QStringList recent = recentProjects();
+    recent.removeAll(path);
+    recent.prepend(path);
+    Settings::setValue(kRecentKey, QVariant(recent.mid(0, kRecentCount)));
+}
+
+void ProjectController::fillRecentMenu()
+{
+    m_recentMenu->clear();
+    const QStringList recent = recentProjects();
+    for (const QString& path : recent)
+        m_recentMenu->addAction(QFileInfo(path).fileName(), this, [this, path] { openProject(path); })->setToolTip(path);
+    if (recent.isEmpty())
+        m_recentMenu->addAction(tr("No recent projects"))->setEnabled(false);
+}
+
+void ProjectController::showProjectSettings()
+{
+    QDialog dialog(m_window);
+    dialog.setObjectName(QStringLiteral("projectSettingsDialog"));
+    dialog.setWindowTitle(tr("Project settings"));
+    auto* form = new QFormLayout(&dialog);
+    const Media::Video* video = m_timeline.video();
+    auto* width = new QSpinBox;
+    auto* height = new QSpinBox;
+    for (QSpinBox* box : {width, height}) {
+        box->setRange(16, 16384);
+        box->setSingleStep(2);
+    }
+    width->setValue(video->frameWidth());
+    height->setValue(video->frameHeight());
+    auto* rate = new QComboBox;
+    for (double r : {23.976, 24.0, 25.0, 29.97, 30.0, 50.0, 59.94, 60.0})
+        rate->addItem(QString::number(r), r);
+    const int current = rate->findData(video->frameRate());
+    if (current < 0)
+        rate->addItem(QString::number(video->frameRate()), video->frameRate());
+    rate->setCurrentIndex(current < 0 ? rate->count() - 1 : current);
+    form->addRow(tr("Frame width"), width);
+    form->addRow(tr("Frame height"), height);
+    form->addRow(tr("Frame rate"), rate);
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
+    connect(buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
+    connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
+    form->addRow(buttons);
+    if (dialog.exec() != QDialog::Accepted)
+        return;
+    Media::Video changed = *video;
+    changed.setFrameSize(width->value(), height->value());
+    changed.setFrameRate(rate->currentData().toDouble());
+    // Through the media model's change message, as any other part of the editor would.
+    Media::VideoChanger(*video).change(changed);
+    LOG(INFO) << "project: video " << changed.frameWidth() << 'x' << changed.frameHeight() << " at " << changed.frameRate()
+              << " fps";
+}
+
+void ProjectController::place(const QStringList& paths, bool atEnd, MediaTime position)
+{
+    if (paths.isEmpty())
+        return;
+    Timeline::ClipBuildingStrategy strategy;
+    strategy.atEnd = atEnd;
+    strategy.position = position;
+    const QList<Timeline::IClip*> clips = m_timeline.placeMedia(paths, strategy);
+    LOG(INFO) << "timeline: placed " << clips.size() << " clip(s) from " << paths.size() << " file(s)";
+}
+
+void ProjectController::placeBinSelection(bool atEnd, MediaTime position)
+{
+    QStringList paths;
+    QListWidget* list = m_window->mediaBin();
+    for (int i = 0; i < list->count(); ++i) {
+        QListWidgetItem* item = list->item(i);
+        const Media::File* file = m_bin->fileOf(item);
+        if (item->isSelected() && file && !file->isFailed())
+            paths << file->filePath();
+    }
+    place(paths, atEnd, position);
+}
+
+void ProjectController::placeWhenOpened(const QStringList& paths, std::function<void()> whenDone)
+{
+    m_pendingPlacement = paths;
+    m_afterPlacement = std::move(whenDone);
+    QTimer::singleShot(0, this, &ProjectController::checkPendingPlacement);
+}
+
+void ProjectController::checkPendingPlacement()
+{
+    if (!m_afterPlacement)
+        return;
+    QStringList opened;
+    for (const QString& path : m_pendingPlacement) {
+        const Media::File* file = m_files.value(path);
+        if (file && file->isOpening())
+            return;
+        if (file && file->isOpened())
+            opened << path;
+    }
+    m_pendingPlacement.clear();
+    place(opened, true, MediaTime());
+    std::function<void()> done = std::exchange(m_afterPlacement, nullptr);
+    done();
+}
+
+bool ProjectController::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched == m_window && event->type() == QEvent::Close && !maySafelyDiscard()) {
+        event->ignore();
+        return true;
+    }
+    return QObject::eventFilter(watched, event);
+}

@@ -1,0 +1,10 @@
+#include "Settings/ProjectFiles.h"
+
+namespace Settings {
+
+QStringList supportedProjectFileExtensions()
+{
+    return {QStringLiteral("kvproj")};
+}
+
+} // namespace Settings
