@@ -1,7 +1,7 @@
 #include "MainWindow.h"
 
 #include <EditorCollection/Collection.h>
-#include <Settings/ProjectFiles.h>
+#include <Settings/FileDialogPaths.h>
 
 #include <QApplication>
 #include <QDockWidget>

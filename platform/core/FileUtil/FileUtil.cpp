@@ -1,7 +1,7 @@
 #include "FileUtil/FileUtil.h"
 
 #include "Conf/FormatConfiguration.h"
-#include "Settings/ProjectFiles.h"
+#include "Settings/FileDialogPaths.h"
 
 #include <QDir>
 #include <QFile>
