@@ -32,9 +32,17 @@ QMenu* fileMenu(MainWindow& window)
     return menu;
 }
 
+// Before Quit, where a project's File menu has one; otherwise at the end.
+QAction* addEntry(QMenu* menu, const QString& text)
+{
+    QAction* action = new QAction(text, menu);
+    menu->insertAction(menu->findChild<QAction*>(QStringLiteral("quitAction")), action);
+    return action;
+}
+
 void addImport(QMenu* menu, MainWindow& window, const QString& text, const char* name, QStringList (*choose)())
 {
-    QAction* action = menu->addAction(text);
+    QAction* action = addEntry(menu, text);
     action->setObjectName(QLatin1String(name));
     QObject::connect(action, &QAction::triggered, &window, [&window, text, choose] {
         const QStringList files = choose();
@@ -68,11 +76,11 @@ void saveSnapshot(MainWindow& window)
 void install(MainWindow& window)
 {
     QMenu* menu = fileMenu(window);
+    menu->insertSeparator(menu->findChild<QAction*>(QStringLiteral("quitAction")));
     addImport(menu, window, QObject::tr("Import &Files..."), "importFilesAction", importFiles);
     addImport(menu, window, QObject::tr("Import F&older..."), "importFolderAction", FileDialog::openDirectory);
     addImport(menu, window, QObject::tr("Import &Image Folder..."), "importImageFolderAction", FileDialog::openDirectoryAllImages);
-    menu->addSeparator();
-    QAction* snapshot = menu->addAction(QObject::tr("Save &Snapshot..."));
+    QAction* snapshot = addEntry(menu, QObject::tr("Save &Snapshot..."));
     snapshot->setObjectName(QStringLiteral("saveSnapshotAction"));
     QObject::connect(snapshot, &QAction::triggered, &window, [&window] { saveSnapshot(window); });
 }

@@ -5,6 +5,8 @@
 #include "TimelinePanel.h"
 
 #include <Dialog/DialogStrategy.h>
+#include <FileDialog.h>
+#include <Media/Thumbnails.h>
 #include <Project/ProjectFile.h>
 #include <Settings/Settings.h>
 
@@ -14,7 +16,6 @@
 #include <QDialog>
 #include <QDialogButtonBox>
 #include <QDockWidget>
-#include <QFileDialog>
 #include <QFileInfo>
 #include <QFormLayout>
 #include <QListWidget>
@@ -34,11 +35,6 @@ constexpr int kRecentCount = 8;
 std::string text(const QString& s)
 {
     return s.toStdString();
-}
-
-QString projectFilter()
-{
-    return ProjectController::tr("Klipvane projects (*.%1)").arg(Project::extension());
 }
 
 } // namespace
@@ -73,6 +69,11 @@ ProjectController::ProjectController(MainWindow* window, MediaBin* bin, QObject*
     dock->setWidget(m_panel);
     dock->setFeatures(QDockWidget::NoDockWidgetFeatures);
     window->addDockWidget(Qt::BottomDockWidgetArea, dock);
+    // Clips show the same pictures as the bin: the service asks the shared cache or makes them
+    // off the GUI thread, and the panel repaints when one arrives.
+    auto& thumbnails = Media::Thumbnails::instance();
+    m_panel->setThumbnailProvider([&thumbnails](const QString& path) { return thumbnails.request(path); });
+    connect(&thumbnails, &Media::Thumbnails::ready, m_panel, &TimelinePanel::thumbnailReady);
     connect(m_panel, &TimelinePanel::placeRequested, this, &ProjectController::placeBinSelection);
     connect(m_panel, &TimelinePanel::projectSettingsRequested, this, &ProjectController::showProjectSettings);
     connect(window, &MainWindow::filesAdded, this, [this](const QStringList& files) {
@@ -104,7 +105,7 @@ void ProjectController::buildMenus()
     file->setObjectName(QStringLiteral("fileMenu"));
     file->addAction(tr("&New"), this, [this] { newProject(); }, QKeySequence::New);
     file->addAction(tr("&Open..."), this, [this] {
-        const QString path = QFileDialog::getOpenFileName(m_window, tr("Open project"), QString(), projectFilter());
+        const QString path = FileDialog::openProject(QString());
         if (!path.isEmpty())
             openProject(path);
     }, QKeySequence::Open);
@@ -113,14 +114,16 @@ void ProjectController::buildMenus()
     connect(m_recentMenu, &QMenu::aboutToShow, this, &ProjectController::fillRecentMenu);
     file->addAction(tr("&Save"), this, [this] { save(); }, QKeySequence::Save);
     file->addAction(tr("Save &As..."), this, [this] {
-        const QString path = QFileDialog::getSaveFileName(m_window, tr("Save project"), m_path, projectFilter());
+        // The library's dialog remembers the folder and settles the extension.
+        const QString path = FileDialog::savingProjectPath(m_path);
         if (!path.isEmpty())
-            saveAs(QFileInfo(path).suffix().isEmpty() ? path + QLatin1Char('.') + Project::extension() : path);
+            saveAs(path);
     }, QKeySequence::SaveAs);
     file->addSeparator();
     file->addAction(tr("Project se&ttings..."), this, &ProjectController::showProjectSettings);
     file->addSeparator();
-    file->addAction(tr("&Quit"), m_window, &QWidget::close, QKeySequence::Quit);
+    file->addAction(tr("&Quit"), m_window, &QWidget::close, QKeySequence::Quit)
+        ->setObjectName(QStringLiteral("quitAction"));
     bar->insertMenu(first, file);
 
     auto* edit = new QMenu(tr("&Edit"), m_window);
@@ -205,7 +208,7 @@ bool ProjectController::openProject(const QString& path)
 bool ProjectController::save()
 {
     if (m_path.isEmpty()) {
-        const QString path = QFileDialog::getSaveFileName(m_window, tr("Save project"), QString(), projectFilter());
+        const QString path = FileDialog::savingProjectPath(QString());
         return !path.isEmpty() && saveAs(path);
     }
     return saveAs(m_path);

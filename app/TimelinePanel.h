@@ -18,7 +18,7 @@ class TimelineView;
 // Pictures of media files come from a thumbnail provider the host sets; until one is set
 // (or while it has no picture yet) clips are drawn with their name only:
 //
-//   panel->setThumbnailProvider([&](const QString& path) { return thumbnails.image(path); });
+//   panel->setThumbnailProvider([&](const QString& path) { return thumbnails.request(path); });
 //   connect(&thumbnails, &Thumbnails::ready, panel, &TimelinePanel::thumbnailReady);
 class TimelinePanel : public QWidget
 {

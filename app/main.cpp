@@ -153,7 +153,6 @@ int main(int argc, char** argv)
     // Files reaching the bin are opened by the media model; the bin reports each batch.
     MediaBin mediaBin(window.mediaBin());
     QObject::connect(&window, &MainWindow::filesAdded, &mediaBin, &MediaBin::addFiles);
-    ImportMenu::install(window);
     QObject::connect(&mediaBin, &MediaBin::batchReported, &window, &MainWindow::showBatchOutcome);
     // What the bin costs: the resident memory once a batch is in (bench/run_bin_memory.sh).
     int batches = 0;
@@ -165,6 +164,7 @@ int main(int argc, char** argv)
     });
     // The project: timeline panel, File and Edit menus, project files from the command line.
     ProjectController project(&window, &mediaBin);
+    ImportMenu::install(window); // into the project's File menu
 
     window.show();
     PubSub::publish(Command::ReadyNotification());
