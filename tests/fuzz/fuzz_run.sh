@@ -4,7 +4,7 @@
 #   run_target BINARY SECONDS CORPUS SEEDS CRASHES LOG [LIBFUZZER OPTIONS...]
 #
 # On failure it prints the log's end, how to replay each new crashing input ($0 $out 0 FILE,
-# with the caller's $out) and exits 1.
+# with the caller's $out, or its $replay_dir where the script takes another folder) and exits 1.
 run_target() {
     binary=$1 seconds=$2 corpus=$3 seeds=$4 crashes=$5 log=$6
     shift 6
@@ -16,7 +16,7 @@ run_target() {
     grep -E '^(stat::number_of_executed_units|#[0-9]+ +DONE)' "$log" || true
     if [ "$status" -ne 0 ]; then
         tail -n 60 "$log" >&2
-        find "$crashes" -type f -newer "$log.stamp" -exec echo "  replay: $0 $out 0 {}" \; >&2
+        find "$crashes" -type f -newer "$log.stamp" -exec echo "  replay: $0 ${replay_dir:-$out} 0 {}" \; >&2
         fail "the fuzz target failed (status $status); full log: $log"
     fi
     echo "$(basename "$0" .sh): no failure in ${seconds}s; corpus: $(ls "$corpus" | wc -l) inputs"

@@ -56,17 +56,9 @@ if [ "$seconds" = 0 ]; then
     exec "$out/fuzz_project" "$@"
 fi
 
-: > "$out/run.stamp"
-status=0
+. "$here/fuzz_run.sh"
+replay_dir=$build
 # Qt keeps a few process-wide allocations until exit; they are not the loader's leaks.
-ASAN_OPTIONS=detect_leaks=1 LSAN_OPTIONS=suppressions=$here/project.supp UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
-QT_QPA_PLATFORM=offscreen "$out/fuzz_project" -max_total_time="$seconds" -max_len=65536 -timeout=10 -rss_limit_mb=2048 \
-    -dict="$here/project.dict" -artifact_prefix="$out/crashes/" -print_final_stats=1 "$out/corpus" "$out/seeds" \
-    > "$out/last_run.log" 2>&1 || status=$?
-grep -E '^(stat::number_of_executed_units|#[0-9]+ +DONE)' "$out/last_run.log" || true
-if [ "$status" -ne 0 ]; then
-    tail -n 60 "$out/last_run.log" >&2
-    find "$out/crashes" -type f -newer "$out/run.stamp" -exec echo "  replay: $0 $build 0 {}" \; >&2
-    fail "the fuzz target failed (status $status); full log: $out/last_run.log"
-fi
-echo "run_project_fuzzer: no failure in ${seconds}s; corpus: $(ls "$out/corpus" | wc -l) inputs"
+export LSAN_OPTIONS=suppressions=$here/project.supp QT_QPA_PLATFORM=offscreen
+run_target "$out/fuzz_project" "$seconds" "$out/corpus" "$out/seeds" "$out/crashes" "$out/last_run.log" \
+    -max_len=65536 -dict="$here/project.dict"
