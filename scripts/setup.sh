@@ -7,13 +7,13 @@ BUILD=${KLIPVANE_BUILD_DIR:-$ROOT/build}
 
 # clang and libclang-rt-dev build the fuzz test (the runtime is only recommended by clang,
 # and recommendations are not installed below); libsingleapplication-dev and
-# ffmpegthumbnailer are benchmark peers.
+# ffmpegthumbnailer are benchmark peers; dbus-daemon gives the D-Bus tests a private bus.
 PACKAGES="build-essential cmake ninja-build ccache pkg-config git
   qtbase5-dev qttools5-dev-tools qttools5-dev libqt5opengl5-dev
   libboost-dev libgoogle-glog-dev
   libavformat-dev libavcodec-dev libavutil-dev libswscale-dev ffmpeg
   xvfb xauth clang libclang-rt-dev libsingleapplication-dev ffmpegthumbnailer fonts-dejavu-core
-  fonts-wqy-microhei qttranslations5-l10n"
+  fonts-wqy-microhei qttranslations5-l10n dbus-daemon"
 
 missing=""
 for p in $PACKAGES; do
