@@ -350,9 +350,9 @@ private slots:
 
         const QString clip = file(QStringLiteral("after the crowd.mp4"));
         auto second = launch({clip});
-        QVERIFY(second->waitForFinished(5000));
+        QVERIFY(second->waitForFinished(5000 * KV_TEST_TIME_SCALE));
         QCOMPARE(second->code(), 0);
-        QTRY_COMPARE_WITH_TIMEOUT(primary->added(), QStringList{clip}, 5000);
+        QTRY_COMPARE_WITH_TIMEOUT(primary->added(), QStringList{clip}, 5000 * KV_TEST_TIME_SCALE);
         QVERIFY2(primary->waitForLog(logged), primary->log().constData());
         QCOMPARE(primary->log().count(logged.toUtf8()), 1);
     }
