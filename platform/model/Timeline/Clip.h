@@ -81,6 +81,7 @@ private:
     Data m_data;
     TimelineModel* m_timeline = nullptr;
     bool m_attached = false;        // on its timeline now (not only in the undo history)
+    bool m_marked = false;          // scratch mark of one TimelineModel call, false between calls
     Clip* m_leader = nullptr;       // the clip carrying this one's timing
     std::vector<Clip*> m_followers; // clips whose timing this one carries
 };

@@ -308,8 +308,9 @@ std::shared_ptr<Clip> Clip::fromJson(const QJsonObject& json, Serialize::JsonRea
     d.nativeAudio = reader.boolean(json, QStringLiteral("nativeAudio"), where, false);
     d.groupId = reader.string(json, QStringLiteral("group"), where, 64, false);
     d.text = reader.string(json, QStringLiteral("text"), where, 65536, false);
-    const QString effectsWhere = Serialize::JsonReader::path(where, QStringLiteral("effects"));
     const QJsonArray effects = reader.array(json, QStringLiteral("effects"), where, 256, false);
+    // Only clips with effects pay for the path of their effects.
+    const QString effectsWhere = effects.isEmpty() ? QString() : Serialize::JsonReader::path(where, QStringLiteral("effects"));
     for (int i = 0; i < effects.size() && reader.ok(); ++i) {
         auto effect = Effect::Object::fromJson(reader.element(effects, i, effectsWhere), reader,
                                                Serialize::JsonReader::path(effectsWhere, i));
@@ -768,10 +769,14 @@ void TimelineModel::attach(const std::vector<std::shared_ptr<Clip>>& clips)
 
 void TimelineModel::detach(const std::vector<std::shared_ptr<Clip>>& clips)
 {
-    QSet<const Clip*> gone;
-    gone.reserve(int(clips.size()));
-    for (const auto& clip : clips)
-        gone.insert(clip.get());
+    // The leaving clips are marked detached first, so each track sheds them in one pass
+    // with no set to look them up in.
+    int selectedGone = 0;
+    for (const auto& clip : clips) {
+        clip->m_attached = false;
+        if (!m_selection.isEmpty() && m_selection.contains(clip.get()))
+            ++selectedGone;
+    }
     // Collected track by track while they leave: already in timeline order, in one pass.
     QList<IClip*> ordered;
     ordered.reserve(int(clips.size()));
@@ -779,7 +784,7 @@ void TimelineModel::detach(const std::vector<std::shared_ptr<Clip>>& clips)
         auto& list = track.clips;
         list.erase(std::remove_if(list.begin(), list.end(),
                                   [&](const auto& c) {
-                                      if (!gone.contains(c.get()))
+                                      if (c->m_attached)
                                           return false;
                                       ordered << c.get();
                                       return true;
@@ -788,10 +793,12 @@ void TimelineModel::detach(const std::vector<std::shared_ptr<Clip>>& clips)
     }
     forgetEnds();
     m_byIdValid = false;
-    bool selectionChanged = false;
+    // Removing the selection (the usual case) empties it at once.
+    if (selectedGone == m_selection.size())
+        m_selection.clear();
     for (const auto& clip : clips) {
-        clip->m_attached = false;
-        selectionChanged = (!m_selection.isEmpty() && m_selection.remove(clip.get())) || selectionChanged;
+        if (selectedGone && !m_selection.isEmpty())
+            m_selection.remove(clip.get());
         if (clip->m_leader) {
             auto& followers = clip->m_leader->m_followers;
             followers.erase(std::remove(followers.begin(), followers.end(), clip.get()), followers.end());
@@ -800,7 +807,7 @@ void TimelineModel::detach(const std::vector<std::shared_ptr<Clip>>& clips)
         --m_clipCount;
     }
     notify([&](ITimelineObserver* o) { o->clipsRemoved(*this, ordered); });
-    if (selectionChanged)
+    if (selectedGone)
         notify([&](ITimelineObserver* o) { o->selectionChanged(*this); });
 }
 
@@ -955,14 +962,16 @@ std::shared_ptr<Clip> TimelineModel::shared(Clip* clip) const
 
 std::vector<std::shared_ptr<Clip>> TimelineModel::withGroups(const QList<IClip*>& clips) const
 {
+    // Duplicates are told by a mark on the clip, not a set: removing all of a large
+    // timeline then allocates nothing per clip (a set of 10,000 pointers cost more than
+    // the rest of the removal).
     std::vector<std::shared_ptr<Clip>> result;
-    QSet<const Clip*> seen;
+    result.reserve(size_t(clips.size()));
     const auto add = [&](Clip* clip) {
-        if (!clip || seen.contains(clip))
+        if (!clip || clip->m_marked)
             return;
-        seen.insert(clip);
-        if (auto held = shared(clip))
-            result.push_back(std::move(held));
+        clip->m_marked = true;
+        result.push_back(shared(clip));
     };
     for (IClip* c : clips) {
         Clip* clip = own(c);
@@ -973,6 +982,8 @@ std::vector<std::shared_ptr<Clip>> TimelineModel::withGroups(const QList<IClip*>
         for (Clip* follower : leader->m_followers)
             add(follower);
     }
+    for (const auto& clip : result)
+        clip->m_marked = false;
     return result;
 }
 

@@ -283,6 +283,62 @@ private slots:
         QCOMPARE(recorder.selection, 5);
     }
 
+    // Removal takes whole groups once each, clears only what it removes from the selection,
+    // and leaves no mark behind: the same removal after an undo removes the same clips.
+    void removal_data()
+    {
+        QTest::addColumn<QList<int>>("selected");
+        QTest::addColumn<QList<int>>("removed");
+        QTest::addColumn<int>("left");
+        QTest::addColumn<int>("selectedLeft");
+        QTest::addColumn<int>("selectionNotifications");
+        QTest::newRow("unselected clip") << QList<int>{2} << QList<int>{3} << 3 << 1 << 0;
+        QTest::newRow("whole selection") << QList<int>{2, 3} << QList<int>{2, 3} << 2 << 0 << 1;
+        QTest::newRow("part of the selection") << QList<int>{2, 3} << QList<int>{3} << 3 << 1 << 1;
+        QTest::newRow("one of a group") << QList<int>{} << QList<int>{1} << 2 << 0 << 0;
+        QTest::newRow("a group named twice over") << QList<int>{0} << QList<int>{1, 0, 1} << 2 << 0 << 1;
+        QTest::newRow("everything") << QList<int>{0, 1, 2, 3} << QList<int>{3, 2, 1, 0} << 0 << 0 << 1;
+    }
+
+    void removal()
+    {
+        QFETCH(QList<int>, selected);
+        QFETCH(QList<int>, removed);
+        QFETCH(int, left);
+        QFETCH(int, selectedLeft);
+        QFETCH(int, selectionNotifications);
+        TimelineModel timeline;
+        timeline.setMediaResolver(m_media.resolver());
+        // 0 and 1: the talk's video and its sound (one group); 2: the silent video; 3: the song.
+        QList<IClip*> clips = timeline.placeMedia({"/m/talk.mp4", "/m/silent.mp4", "/m/song.mp3"}, {});
+        QCOMPARE(clips.size(), 4);
+        const auto rank = [](IClip* c) {
+            return c->mediaPath() == QLatin1String("/m/talk.mp4") ? (c->isNativeAudio() ? 1 : 0)
+                                                                  : c->mediaPath() == QLatin1String("/m/silent.mp4") ? 2 : 3;
+        };
+        std::sort(clips.begin(), clips.end(), [&](IClip* a, IClip* b) { return rank(a) < rank(b); });
+        const auto pick = [&](const QList<int>& indices) {
+            QList<IClip*> picked;
+            for (int i : indices)
+                picked << clips.at(i);
+            return picked;
+        };
+        timeline.select(pick(selected), ITimeline::SelectionMode::Replace);
+        Recorder recorder;
+        recorder.watch(&timeline);
+        for (int round = 0; round < 2; ++round) {
+            const int notifiedBefore = recorder.selection;
+            timeline.removeClips(pick(removed));
+            QCOMPARE(timeline.clipCount(), left);
+            QCOMPARE(timeline.selectedClips().size(), selectedLeft);
+            QCOMPARE(recorder.removed.last().size(), 4 - left);
+            QCOMPARE(recorder.selection - notifiedBefore, selectionNotifications);
+            timeline.undoStack()->undo();
+            QCOMPARE(timeline.clipCount(), 4);
+            timeline.select(pick(selected), ITimeline::SelectionMode::Replace);
+        }
+    }
+
     // The project video changes through the media model's message; its views hear of it, and undo.
     void videoChange()
     {
