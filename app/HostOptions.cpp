@@ -69,7 +69,9 @@ QString HostOptions::usage()
         "  --thumbnails-to <folder>   write the named files' thumbnails there as PNGs and exit\n"
         "  --thumbnail-size <px>      the box those thumbnails are fitted into (default 128)\n"
         "  --find-missing <list>      show the missing-files dialog for the paths listed, one a line\n"
-        "  --search-folder <folder>   ...and start its search of that folder at once\n"
+        "  --search-folder <folder>   ...and start its search of that folder at once; without\n"
+        "                             --find-missing, the same for a project opened with missing\n"
+        "                             media, its result taken when the search ends\n"
         "  --show-file <path>         reveal the file in the file manager once ready\n"
         "  -h, --help                 print this help and exit\n"
         "  -v, --version              print the version and exit\n");

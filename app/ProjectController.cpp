@@ -7,7 +7,10 @@
 #include <Dialog/DialogStrategy.h>
 #include <FileDialog.h>
 #include <Media/Thumbnails.h>
+#include <Dialog/MissingFilesDialog/MissingFilesDialog.h>
+#include <Dialog/MissingFilesDialog/MissingFilesSearch.h>
 #include <Project/ProjectFile.h>
+#include <Project/Relink.h>
 #include <Settings/Settings.h>
 
 #include <QAction>
@@ -185,24 +188,74 @@ bool ProjectController::openProject(const QString& path)
         Dialog::showWarning(tr("Open project"), tr("%1 cannot be opened.\n\n%2").arg(QFileInfo(absolute).fileName(), why));
         return false;
     }
-    const int missing = loaded.missingCount();
+    const int relinked = loaded.missingCount() > 0 ? relinkMissing(&loaded) : 0;
+    const int missing = loaded.content.missingMedia.size();
     // The project's media join the bin (and are opened) unless they are there already.
     QStringList toOpen;
     for (const Project::MediaEntry& media : loaded.media)
         if (!media.resolved.isEmpty() && !m_files.contains(media.resolved) && !toOpen.contains(media.resolved))
             toOpen << media.resolved;
     m_timeline.reset(std::move(loaded.content));
+    // The reset leaves the history clean; relinked paths are a change the file does not hold yet.
+    if (relinked > 0)
+        m_timeline.undoStack()->resetClean();
     m_path = absolute;
     if (!toOpen.isEmpty()) {
         m_openingProject = true;
         m_window->addFiles(toOpen);
         m_openingProject = false;
     }
+    for (const QString& path : std::exchange(m_sizeDiffers, QStringList()))
+        m_bin->markFile(path, tr("size differs"));
     updateTitle();
     rememberRecent(absolute);
     LOG(INFO) << "project: opened " << text(absolute) << " (" << m_timeline.clipCount() << " clips, " << missing << " missing)";
     emit projectChanged();
     return true;
+}
+
+int ProjectController::relinkMissing(Project::Loaded* loaded)
+{
+    const QSet<QString> missing = loaded->content.missingMedia;
+    MissingFilesDialog dialog(m_window);
+    dialog.setMissingFiles(missing);
+    if (!m_relinkFolder.isEmpty()) {
+        const QString folder = m_relinkFolder;
+        connect(&dialog, &MissingFilesDialog::searchFinished, &dialog, [&dialog](int, int, bool cancelled) {
+            if (!cancelled)
+                dialog.accept();
+        });
+        QTimer::singleShot(0, &dialog, [&dialog, folder] { dialog.searchFolder(folder); });
+    }
+    // The placement waiting for the command line's files must not run inside the dialog's
+    // loop, on the project before its relink.
+    m_relinking = true;
+    const bool accepted = dialog.exec() == QDialog::Accepted;
+    m_relinking = false;
+    // Files found stay found even when the user then skips the rest: only what was not
+    // found keeps its old path.
+    QMap<QString, QString> found = dialog.foundFiles();
+    for (auto it = found.begin(); it != found.end();) {
+        if (missing.contains(it.key()) && !it.value().isEmpty())
+            ++it;
+        else
+            it = found.erase(it);
+    }
+    for (auto it = found.cbegin(); it != found.cend(); ++it)
+        LOG(INFO) << "relink: " << text(it.key()) << " -> " << text(it.value());
+    // A file of the right name but another size is likely not the one the project used.
+    const QHash<QString, qint64> recorded = Project::recordedSizes(*loaded);
+    for (const QString& old : MissingFiles::sizeMismatches(found, recorded)) {
+        m_sizeDiffers << found.value(old);
+        LOG(WARNING) << "relink: size differs: " << text(found.value(old)) << " (recorded " << recorded.value(old)
+                     << " bytes, found " << QFileInfo(found.value(old)).size() << ")";
+    }
+    const int relinked = Project::relink(loaded, found);
+    LOG(INFO) << "relink: " << found.size() << " found, " << loaded->content.missingMedia.size() << " still missing"
+              << (accepted ? "" : " (skipped)");
+    if (m_afterPlacement)
+        QTimer::singleShot(0, this, &ProjectController::checkPendingPlacement);
+    return relinked;
 }
 
 bool ProjectController::save()
@@ -336,7 +389,7 @@ void ProjectController::placeWhenOpened(const QStringList& paths, std::function<
 
 void ProjectController::checkPendingPlacement()
 {
-    if (!m_afterPlacement)
+    if (!m_afterPlacement || m_relinking)
         return;
     QStringList opened;
     for (const QString& path : m_pendingPlacement) {

@@ -7,6 +7,10 @@
 #include <QPointer>
 #include <QStringList>
 
+namespace Project {
+struct Loaded;
+}
+
 class MainWindow;
 class MediaBin;
 class QMenu;
@@ -19,6 +23,12 @@ class TimelinePanel;
 //   project: opened <path> (<n> clips, <m> missing)
 //   project: saved <path>
 //   project: refused <path>: <reason>
+// A project whose media are missing shows the missing-files dialog before it opens; the files
+// found (by a folder search or by hand) replace the old paths in the clips, the project is
+// marked modified, and the rest keep their old paths (also when the user skips):
+//   relink: <old> -> <new>
+//   relink: size differs: <new> (recorded <n> bytes, found <m>)
+//   relink: <n> found, <m> still missing
 class ProjectController : public QObject
 {
     Q_OBJECT
@@ -52,6 +62,10 @@ public:
 
     static QStringList recentProjects();
 
+    // Unattended relinking: the missing-files dialog of each project opened from now on
+    // starts its search of `folder` at once and takes what it found when the search ends.
+    void setRelinkFolder(const QString& folder) { m_relinkFolder = folder; }
+
 signals:
     void projectChanged();
 
@@ -64,6 +78,7 @@ private:
     void showProjectSettings();
     void placeBinSelection(bool atEnd, MediaTime position);
     void checkPendingPlacement();
+    int relinkMissing(Project::Loaded* loaded);
 
     MainWindow* m_window;
     MediaBin* m_bin;
@@ -78,4 +93,7 @@ private:
     QStringList m_namedFiles;
     bool m_collectNamed = true;
     bool m_openingProject = false;
+    bool m_relinking = false;
+    QString m_relinkFolder;
+    QStringList m_sizeDiffers; // relinked files of another size than recorded, for the bin
 };

@@ -165,6 +165,9 @@ int main(int argc, char** argv)
     // The project: timeline panel, File and Edit menus, project files from the command line.
     ProjectController project(&window, &mediaBin);
     ImportMenu::install(window); // into the project's File menu
+    // Without a list, the search folder is for the projects the command line opens.
+    if (options.findMissingList.isEmpty() && !options.searchFolder.isEmpty())
+        project.setRelinkFolder(options.searchFolder);
 
     window.show();
     PubSub::publish(Command::ReadyNotification());
