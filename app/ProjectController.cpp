@@ -1,5 +1,6 @@
 #include "ProjectController.h"
 
+#include "HostServices.h"
 #include "MainWindow.h"
 #include "MediaBin.h"
 #include "TimelinePanel.h"
@@ -122,6 +123,12 @@ void ProjectController::buildMenus()
         if (!path.isEmpty())
             saveAs(path);
     }, QKeySequence::SaveAs);
+    file->addAction(tr("Save &Portable Project..."), this, [this] {
+        // A folder of its own, named after the project, holding it and copies of its media.
+        const QString path = FileDialog::savingProjectPortablePath(m_path);
+        if (!path.isEmpty())
+            savePortable(path);
+    })->setObjectName(QStringLiteral("savePortableAction"));
     file->addSeparator();
     file->addAction(tr("Project se&ttings..."), this, &ProjectController::showProjectSettings);
     file->addSeparator();
@@ -226,6 +233,11 @@ int ProjectController::relinkMissing(Project::Loaded* loaded)
                 dialog.accept();
         });
         QTimer::singleShot(0, &dialog, [&dialog, folder] { dialog.searchFolder(folder); });
+    } else if (const int dismissAfter = HostServices::dismissDialogsAfterMs(); dismissAfter >= 0) {
+        QTimer::singleShot(dismissAfter, &dialog, [&dialog] {
+            LOG(INFO) << "dialog dismissed: missingFiles";
+            dialog.reject();
+        });
     }
     // The placement waiting for the command line's files must not run inside the dialog's
     // loop, on the project before its relink.
@@ -284,6 +296,23 @@ bool ProjectController::saveAs(const QString& path, QString* error)
     updateTitle();
     rememberRecent(absolute);
     LOG(INFO) << "project: saved " << text(absolute);
+    return true;
+}
+
+bool ProjectController::savePortable(const QString& path, QString* error)
+{
+    const QString absolute = QFileInfo(path).absoluteFilePath();
+    QString why;
+    if (!Project::savePortable(absolute, m_timeline, &why)) {
+        LOG(WARNING) << "project: not saved " << text(absolute) << ": " << text(why);
+        if (error)
+            *error = why;
+        else
+            Dialog::showWarning(tr("Save project"), why);
+        return false;
+    }
+    // The open project stays the one the user worked on; the portable copy is a separate file.
+    LOG(INFO) << "project: saved portable " << text(absolute) << " (" << m_timeline.mediaPaths().size() << " media)";
     return true;
 }
 

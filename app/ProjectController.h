@@ -22,6 +22,7 @@ class TimelinePanel;
 // current project as it was. One log line per event:
 //   project: opened <path> (<n> clips, <m> missing)
 //   project: saved <path>
+//   project: saved portable <path> (<n> media)
 //   project: refused <path>: <reason>
 // A project whose media are missing shows the missing-files dialog before it opens; the files
 // found (by a folder search or by hand) replace the old paths in the clips, the project is
@@ -47,6 +48,8 @@ public:
     bool save();
     // With `error`, a failure is told there instead of in a dialog (unattended runs).
     bool saveAs(const QString& path, QString* error = nullptr);
+    // The project and copies of its media into the folder of `path` (see Project::savePortable).
+    bool savePortable(const QString& path, QString* error = nullptr);
     // Asks to save unsaved changes; false when the user cancelled.
     bool maySafelyDiscard();
 

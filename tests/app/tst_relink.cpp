@@ -10,6 +10,9 @@
 
 #include <Project/ProjectFile.h>
 
+// A project's media: old path and the size the project recorded for it (-1 none).
+using MediaList = QList<QPair<QString, qint64>>;
+
 // The relinking of moved media, from outside: `kvrelink` over a list of missing paths and
 // over a project, and the host opening a project whose media folder was renamed.
 //
@@ -19,7 +22,7 @@ class TestRelink : public QObject
     Q_OBJECT
 
     // A project at `path` whose clips use `media` (old path -> the size it recorded, -1 none).
-    static void writeProject(const QString& path, const QList<QPair<QString, qint64>>& media)
+    static void writeProject(const QString& path, const MediaList& media)
     {
         QJsonArray entries, clips;
         for (int i = 0; i < media.size(); ++i) {
@@ -32,10 +35,15 @@ class TestRelink : public QObject
                                  {QStringLiteral("in"), 0}, {QStringLiteral("length"), 1000000},
                                  {QStringLiteral("speed"), 1}, {QStringLiteral("media"), i},
                                  {QStringLiteral("name"), QFileInfo(media[i].first).fileName()},
-                                 {QStringLiteral("mediaType"), 1}};
+                                 {QStringLiteral("category"), QStringLiteral("Video")},
+                                 {QStringLiteral("reversed"), false}, {QStringLiteral("speedCompensated"), false},
+                                 {QStringLiteral("nativeAudio"), false}, {QStringLiteral("mediaType"), 1}};
         }
         const QJsonObject root{{QStringLiteral("format"), QStringLiteral("klipvane-project")},
                                {QStringLiteral("version"), 1},
+                               {QStringLiteral("video"), QJsonObject{{QStringLiteral("width"), 1920},
+                                                                     {QStringLiteral("height"), 1080},
+                                                                     {QStringLiteral("frameRate"), 25}}},
                                {QStringLiteral("tracks"), QJsonArray{QStringLiteral("video")}},
                                {QStringLiteral("media"), entries},
                                {QStringLiteral("clips"), clips}};
@@ -157,23 +165,23 @@ private slots:
     // everything when the dialog was dismissed) keeps its old one.
     void hostRelinksAProject_data()
     {
-        QTest::addColumn<QList<QPair<QString, qint64>>>("media");
+        QTest::addColumn<MediaList>("media");
         QTest::addColumn<bool>("search");
         QTest::addColumn<QString>("summary");
         QTest::addColumn<int>("sizeDiffers");
-        QTest::newRow("renamed folder") << QList<QPair<QString, qint64>>{{m_old[0], 5}, {m_old[2], -1}} << true
+        QTest::newRow("renamed folder") << MediaList{{m_old[0], 5}, {m_old[2], -1}} << true
                                         << QStringLiteral("2 found, 0 still missing") << 0;
-        QTest::newRow("two missing, one found") << QList<QPair<QString, qint64>>{{m_old[1], 5}, {gone(), 5}} << true
+        QTest::newRow("two missing, one found") << MediaList{{m_old[1], 5}, {gone(), 5}} << true
                                                 << QStringLiteral("1 found, 1 still missing") << 0;
-        QTest::newRow("size differs") << QList<QPair<QString, qint64>>{{m_old[0], 9}} << true
+        QTest::newRow("size differs") << MediaList{{m_old[0], 9}} << true
                                       << QStringLiteral("1 found, 0 still missing") << 1;
-        QTest::newRow("skipped") << QList<QPair<QString, qint64>>{{m_old[0], 5}, {m_old[1], 5}} << false
+        QTest::newRow("skipped") << MediaList{{m_old[0], 5}, {m_old[1], 5}} << false
                                  << QStringLiteral("0 found, 2 still missing (skipped)") << 0;
     }
 
     void hostRelinksAProject()
     {
-        QFETCH(QList<QPair<QString, qint64>>, media);
+        QFETCH(MediaList, media);
         QFETCH(bool, search);
         QFETCH(QString, summary);
         QFETCH(int, sizeDiffers);
@@ -211,24 +219,60 @@ private slots:
         QCOMPARE(clipMedia(saved), expectedPaths);
     }
 
+    // A relinked project saved portable: its media copied beside it (two files of one name
+    // kept apart), the clips on the copies, and the folder still whole once moved.
+    void hostSavesPortableProject()
+    {
+        const QString project = m_home.filePath(QStringLiteral("story.kvproj"));
+        const QString other = m_dir.filePath(QStringLiteral("media moved/sub/a.mp4"));
+        QVERIFY(QFile::copy(m_dir.filePath(QStringLiteral("media moved/a.mp4")), other));
+        writeProject(project, {{m_old[0], 5}, {other, 5}, {gone(), 5}});
+        const QString portable = m_home.filePath(QStringLiteral("portable/story.kvproj"));
+        QProcess host;
+        QProcessEnvironment environment = KvTest::hostEnvironment(m_home);
+        environment.insert(QStringLiteral("KLIPVANE_DISMISS_DIALOGS_MS"), QStringLiteral("0"));
+        host.setProcessEnvironment(environment);
+        host.start(KvTest::builtProgram(QStringLiteral("klipvane")),
+                   {project, QStringLiteral("--search-folder"), m_dir.filePath(QStringLiteral("media moved")),
+                    QStringLiteral("--save-portable"), portable});
+        QVERIFY(host.waitForFinished(60000));
+        const QByteArray log = host.readAllStandardError();
+        QVERIFY2(host.exitCode() == 0, log.constData());
+        QCOMPARE(KvTest::logged(log, QStringLiteral("project: saved portable ")),
+                 QStringList{portable + QStringLiteral(" (3 media)")});
+        QVERIFY(QFile::remove(other));
+
+        QVERIFY(QDir(m_home.path()).rename(QStringLiteral("portable"), QStringLiteral("portable moved")));
+        const QString movedFolder = m_home.filePath(QStringLiteral("portable moved/"));
+        Project::Loaded loaded;
+        QString error;
+        QVERIFY2(Project::load(movedFolder + QStringLiteral("story.kvproj"), &loaded, &error), qPrintable(error));
+        QStringList paths;
+        for (const auto& clip : loaded.content.clips)
+            paths << clip->mediaPath();
+        QCOMPARE(paths, (QStringList{movedFolder + QStringLiteral("media/a.mp4"),
+                                     movedFolder + QStringLiteral("media/a (2).mp4"), gone()}));
+        QCOMPARE(loaded.missingCount(), 1);
+    }
+
     // kvrelink over a project: the map as JSON, and with --write the project saved in place
     // with the new paths (the rest kept); without it the file is not touched.
     void kvrelinkProject_data()
     {
-        QTest::addColumn<QList<QPair<QString, qint64>>>("media");
+        QTest::addColumn<MediaList>("media");
         QTest::addColumn<bool>("write");
         QTest::addColumn<int>("exitCode");
         QTest::addColumn<QStringList>("missing");
-        QTest::newRow("all found, written") << QList<QPair<QString, qint64>>{{m_old[0], 5}, {m_old[2], 5}} << true << 0
+        QTest::newRow("all found, written") << MediaList{{m_old[0], 5}, {m_old[2], 5}} << true << 0
                                             << QStringList{};
-        QTest::newRow("one of two found, written") << QList<QPair<QString, qint64>>{{m_old[1], 5}, {gone(), 5}} << true
+        QTest::newRow("one of two found, written") << MediaList{{m_old[1], 5}, {gone(), 5}} << true
                                                    << 1 << QStringList{gone()};
-        QTest::newRow("not written") << QList<QPair<QString, qint64>>{{m_old[0], 5}} << false << 0 << QStringList{};
+        QTest::newRow("not written") << MediaList{{m_old[0], 5}} << false << 0 << QStringList{};
     }
 
     void kvrelinkProject()
     {
-        QFETCH(QList<QPair<QString, qint64>>, media);
+        QFETCH(MediaList, media);
         QFETCH(bool, write);
         QFETCH(int, exitCode);
         QFETCH(QStringList, missing);

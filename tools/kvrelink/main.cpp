@@ -13,6 +13,7 @@
 #include "RelinkJob.h"
 
 #include <Log/Logging.h>
+#include <glog/logging.h>
 #include <Project/ProjectFile.h>
 #include <Project/Relink.h>
 #include <Settings/FileDialogPaths.h>

@@ -6,9 +6,10 @@
 #include <QMap>
 #include <QString>
 
-// Pointing a loaded project's missing media at the files a search found for them, before the
-// content reaches a timeline (so the relinked project opens in one reset, and a refused or
-// skipped relink changes nothing).
+// Pointing a project's media elsewhere. Relinking points a loaded project's missing media at
+// the files a search found for them, before the content reaches a timeline (so the relinked
+// project opens in one reset, and a skipped relink changes nothing); a portable project
+// points its clips at copies of its media.
 //
 //   Project::Loaded loaded;                       // from Project::load
 //   const auto sizes = Project::recordedSizes(loaded);
@@ -24,5 +25,11 @@ QHash<QString, qint64> recordedSizes(const Loaded& loaded);
 // path, and takes them off the missing list. Paths that are not missing are left alone.
 // Returns the number of media entries relinked.
 int relink(Loaded* loaded, const QMap<QString, QString>& found);
+
+// Copies the media of `timeline` into a "media" folder beside `path` ("name (2).ext" for a
+// second file of one name) and saves at `path` a project whose clips use the copies; the
+// loader finds them by their relative paths wherever the folder goes. Missing media keep
+// their paths. False with `error` set when a copy or the save failed.
+bool savePortable(const QString& path, const Timeline::TimelineModel& timeline, QString* error);
 
 } // namespace Project
