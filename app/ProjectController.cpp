@@ -279,18 +279,22 @@ bool ProjectController::save()
     return saveAs(m_path);
 }
 
+bool ProjectController::saveFailed(const QString& path, const QString& why, QString* error)
+{
+    LOG(WARNING) << "project: not saved " << text(path) << ": " << text(why);
+    if (error)
+        *error = why;
+    else
+        Dialog::showWarning(tr("Save project"), why);
+    return false;
+}
+
 bool ProjectController::saveAs(const QString& path, QString* error)
 {
     const QString absolute = QFileInfo(path).absoluteFilePath();
     QString why;
-    if (!Project::save(absolute, m_timeline, &why)) {
-        LOG(WARNING) << "project: not saved " << text(absolute) << ": " << text(why);
-        if (error)
-            *error = why;
-        else
-            Dialog::showWarning(tr("Save project"), why);
-        return false;
-    }
+    if (!Project::save(absolute, m_timeline, &why))
+        return saveFailed(absolute, why, error);
     m_path = absolute;
     m_timeline.undoStack()->setClean();
     updateTitle();
@@ -303,14 +307,8 @@ bool ProjectController::savePortable(const QString& path, QString* error)
 {
     const QString absolute = QFileInfo(path).absoluteFilePath();
     QString why;
-    if (!Project::savePortable(absolute, m_timeline, &why)) {
-        LOG(WARNING) << "project: not saved " << text(absolute) << ": " << text(why);
-        if (error)
-            *error = why;
-        else
-            Dialog::showWarning(tr("Save project"), why);
-        return false;
-    }
+    if (!Project::savePortable(absolute, m_timeline, &why))
+        return saveFailed(absolute, why, error);
     // The open project stays the one the user worked on; the portable copy is a separate file.
     LOG(INFO) << "project: saved portable " << text(absolute) << " (" << m_timeline.mediaPaths().size() << " media)";
     return true;

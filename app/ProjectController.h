@@ -82,6 +82,8 @@ private:
     void placeBinSelection(bool atEnd, MediaTime position);
     void checkPendingPlacement();
     int relinkMissing(Project::Loaded* loaded);
+    // Logs the failure and tells it in `error`, or in a dialog without one; false.
+    bool saveFailed(const QString& path, const QString& why, QString* error);
 
     MainWindow* m_window;
     MediaBin* m_bin;

@@ -255,6 +255,30 @@ private slots:
         QCOMPARE(loaded.missingCount(), 1);
     }
 
+    // A portable project that cannot be written: the reason told, exit status 1, the source
+    // project untouched.
+    void hostPortableFails()
+    {
+        const QString project = m_home.filePath(QStringLiteral("story.kvproj"));
+        writeProject(project, {{moved(m_old[0]), 5}});
+        const QByteArray before = [&] { QFile f(project); return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray(); }();
+        const QString blocked = m_home.filePath(QStringLiteral("blocked"));
+        QFile file(blocked); // a file where the folder would go
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.close();
+        QProcess host;
+        host.setProcessEnvironment(KvTest::hostEnvironment(m_home));
+        host.start(KvTest::builtProgram(QStringLiteral("klipvane")),
+                   {project, QStringLiteral("--save-portable"), blocked + QStringLiteral("/story.kvproj")});
+        QVERIFY(host.waitForFinished(60000));
+        const QByteArray log = host.readAllStandardError();
+        QCOMPARE(host.exitCode(), 1);
+        QVERIFY2(log.contains("klipvane: cannot save the project to "), log.constData());
+        QFile after(project);
+        QVERIFY(after.open(QIODevice::ReadOnly));
+        QCOMPARE(after.readAll(), before);
+    }
+
     // kvrelink over a project: the map as JSON, and with --write the project saved in place
     // with the new paths (the rest kept); without it the file is not touched.
     void kvrelinkProject_data()
