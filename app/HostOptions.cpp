@@ -16,6 +16,7 @@ HostOptions HostOptions::take(QStringList& arguments)
         {QStringLiteral("--search-folder"), [&](const QString& v) { options.searchFolder = v; }},
         {QStringLiteral("--show-file"), [&](const QString& v) { options.showFile = v; }},
         {QStringLiteral("--save-project"), [&](const QString& v) { options.saveProjectPath = v; }},
+        {QStringLiteral("--save-portable"), [&](const QString& v) { options.savePortablePath = v; }},
         {QStringLiteral("--thumbnails-to"), [&](const QString& v) { options.thumbnailsDir = v; }},
         {QStringLiteral("--thumbnail-size"), [&](const QString& v) { options.thumbnailSize = v.toInt(); }},
     };
@@ -65,11 +66,14 @@ QString HostOptions::usage()
         "  --quit-after-batches <n>   quit once n media batches have been reported\n"
         "  --place-on-timeline        put the named media on the timeline once they have opened\n"
         "  --save-project <file>      then save the project there and quit\n"
+        "  --save-portable <file>     ...or save it there with copies of its media, and quit\n"
         "  --dialog-gallery <folder>  render every standard dialog to a PNG there and exit\n"
         "  --thumbnails-to <folder>   write the named files' thumbnails there as PNGs and exit\n"
         "  --thumbnail-size <px>      the box those thumbnails are fitted into (default 128)\n"
         "  --find-missing <list>      show the missing-files dialog for the paths listed, one a line\n"
-        "  --search-folder <folder>   ...and start its search of that folder at once\n"
+        "  --search-folder <folder>   ...and start its search of that folder at once; without\n"
+        "                             --find-missing, the same for a project opened with missing\n"
+        "                             media, its result taken when the search ends\n"
         "  --show-file <path>         reveal the file in the file manager once ready\n"
         "  -h, --help                 print this help and exit\n"
         "  -v, --version              print the version and exit\n");

@@ -20,6 +20,7 @@ struct HostOptions
     bool help = false;          // --help, -h: print the usage and exit
     bool version = false;       // --version, -v: print the version and exit
     bool placeOnTimeline = false; // --place-on-timeline: put the named media on the timeline once opened
+    QString savePortablePath;   // --save-portable <file.kvproj>: ...or a portable project (media copied beside it)
     QString saveProjectPath;    // --save-project <file.kvproj>: then save the project there and quit
 
     // Removes the host options from `arguments` (element 0 is the program) and returns them.

@@ -37,6 +37,13 @@ QString registerProduct(const QString& binDirectory, const QString& requestedLoc
     return locale;
 }
 
+int dismissDialogsAfterMs()
+{
+    bool set = false;
+    const int ms = qEnvironmentVariableIntValue("KLIPVANE_DISMISS_DIALOGS_MS", &set);
+    return set ? std::max(0, ms) : -1;
+}
+
 void install(QApplication& application)
 {
     auto lookAndFeel = Tavrin::App::ServiceRegistry::instance().get<Tavrin::App::ILookAndFeelManager>();
@@ -46,10 +53,7 @@ void install(QApplication& application)
     Customization::apply(&application);
     application.setStyleSheet(Tavrin::Util::applicationStyleSheet());
     // Unattended runs (scripts, tests of the host) have no one to answer a dialog.
-    bool dismissSet = false;
-    const int dismissAfterMs = qEnvironmentVariableIntValue("KLIPVANE_DISMISS_DIALOGS_MS", &dismissSet);
-    Dialog::initialize(std::make_shared<DialogTrail>(std::make_shared<Dialog::DialogStrategy>(),
-                                                     dismissSet ? std::max(0, dismissAfterMs) : -1));
+    Dialog::initialize(std::make_shared<DialogTrail>(std::make_shared<Dialog::DialogStrategy>(), dismissDialogsAfterMs()));
     LOG(INFO) << "product: " << Customization::productFullNameLocalized().toStdString() << ", locale "
               << Customization::currentLocale().toStdString();
 }

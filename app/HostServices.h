@@ -16,6 +16,10 @@ namespace HostServices {
 // Registers the product services from product.json in `binDirectory`. Needs no
 // application object, so a second launch can find its single-instance key before it pays
 // for one. `locale` may be empty (the system's locale is used). Returns the locale in use.
+// KLIPVANE_DISMISS_DIALOGS_MS, or -1 when dialogs wait for the user. For the host's own
+// dialogs that do not go through the dialog strategy.
+int dismissDialogsAfterMs();
+
 QString registerProduct(const QString& binDirectory, const QString& locale);
 
 // Loads the catalogues of the registered locale into `application`, applies the style

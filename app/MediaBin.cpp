@@ -160,6 +160,16 @@ void MediaBin::addFiles(const QStringList& files)
     }
 }
 
+void MediaBin::markFile(const QString& path, const QString& note)
+{
+    for (auto it = m_items.cbegin(); it != m_items.cend(); ++it) {
+        if (it.key()->filePath() == path) {
+            it.value()->setText(QStringLiteral("%1 (%2)").arg(it.value()->text(), note));
+            LOG(INFO) << "media bin: marked " << path.toStdString() << ": " << note.toStdString();
+        }
+    }
+}
+
 void MediaBin::refresh(const Media::File* file)
 {
     QListWidgetItem* item = m_items.value(file);

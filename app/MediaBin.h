@@ -37,6 +37,8 @@ public slots:
     void addFiles(const QStringList& files);
     void showFileInfo(QListWidgetItem* item);
     void removeItem(QListWidgetItem* item);
+    // Appends "(note)" to the text of the item of the file at `path`, if the bin holds it.
+    void markFile(const QString& path, const QString& note);
     // Removes every selected item (and its file) from the bin.
     void removeSelectedItems();
 

@@ -1,5 +1,6 @@
 #include "ProjectController.h"
 
+#include "HostServices.h"
 #include "MainWindow.h"
 #include "MediaBin.h"
 #include "TimelinePanel.h"
@@ -7,7 +8,10 @@
 #include <Dialog/DialogStrategy.h>
 #include <FileDialog.h>
 #include <Media/Thumbnails.h>
+#include <Dialog/MissingFilesDialog/MissingFilesDialog.h>
+#include <Dialog/MissingFilesDialog/MissingFilesSearch.h>
 #include <Project/ProjectFile.h>
+#include <Project/Relink.h>
 #include <Settings/Settings.h>
 
 #include <QAction>
@@ -119,6 +123,12 @@ void ProjectController::buildMenus()
         if (!path.isEmpty())
             saveAs(path);
     }, QKeySequence::SaveAs);
+    file->addAction(tr("Save &Portable Project..."), this, [this] {
+        // A folder of its own, named after the project, holding it and copies of its media.
+        const QString path = FileDialog::savingProjectPortablePath(m_path);
+        if (!path.isEmpty())
+            savePortable(path);
+    })->setObjectName(QStringLiteral("savePortableAction"));
     file->addSeparator();
     file->addAction(tr("Project se&ttings..."), this, &ProjectController::showProjectSettings);
     file->addSeparator();
@@ -185,24 +195,79 @@ bool ProjectController::openProject(const QString& path)
         Dialog::showWarning(tr("Open project"), tr("%1 cannot be opened.\n\n%2").arg(QFileInfo(absolute).fileName(), why));
         return false;
     }
-    const int missing = loaded.missingCount();
+    const int relinked = loaded.missingCount() > 0 ? relinkMissing(&loaded) : 0;
+    const int missing = loaded.content.missingMedia.size();
     // The project's media join the bin (and are opened) unless they are there already.
     QStringList toOpen;
     for (const Project::MediaEntry& media : loaded.media)
         if (!media.resolved.isEmpty() && !m_files.contains(media.resolved) && !toOpen.contains(media.resolved))
             toOpen << media.resolved;
     m_timeline.reset(std::move(loaded.content));
+    // The reset leaves the history clean; relinked paths are a change the file does not hold yet.
+    if (relinked > 0)
+        m_timeline.undoStack()->resetClean();
     m_path = absolute;
     if (!toOpen.isEmpty()) {
         m_openingProject = true;
         m_window->addFiles(toOpen);
         m_openingProject = false;
     }
+    for (const QString& path : std::exchange(m_sizeDiffers, QStringList()))
+        m_bin->markFile(path, tr("size differs"));
     updateTitle();
     rememberRecent(absolute);
     LOG(INFO) << "project: opened " << text(absolute) << " (" << m_timeline.clipCount() << " clips, " << missing << " missing)";
     emit projectChanged();
     return true;
+}
+
+int ProjectController::relinkMissing(Project::Loaded* loaded)
+{
+    const QSet<QString> missing = loaded->content.missingMedia;
+    MissingFilesDialog dialog(m_window);
+    dialog.setMissingFiles(missing);
+    if (!m_relinkFolder.isEmpty()) {
+        const QString folder = m_relinkFolder;
+        connect(&dialog, &MissingFilesDialog::searchFinished, &dialog, [&dialog](int, int, bool cancelled) {
+            if (!cancelled)
+                dialog.accept();
+        });
+        QTimer::singleShot(0, &dialog, [&dialog, folder] { dialog.searchFolder(folder); });
+    } else if (const int dismissAfter = HostServices::dismissDialogsAfterMs(); dismissAfter >= 0) {
+        QTimer::singleShot(dismissAfter, &dialog, [&dialog] {
+            LOG(INFO) << "dialog dismissed: missingFiles";
+            dialog.reject();
+        });
+    }
+    // The placement waiting for the command line's files must not run inside the dialog's
+    // loop, on the project before its relink.
+    m_relinking = true;
+    const bool accepted = dialog.exec() == QDialog::Accepted;
+    m_relinking = false;
+    // Files found stay found even when the user then skips the rest: only what was not
+    // found keeps its old path.
+    QMap<QString, QString> found = dialog.foundFiles();
+    for (auto it = found.begin(); it != found.end();) {
+        if (missing.contains(it.key()) && !it.value().isEmpty())
+            ++it;
+        else
+            it = found.erase(it);
+    }
+    for (auto it = found.cbegin(); it != found.cend(); ++it)
+        LOG(INFO) << "relink: " << text(it.key()) << " -> " << text(it.value());
+    // A file of the right name but another size is likely not the one the project used.
+    const QHash<QString, qint64> recorded = Project::recordedSizes(*loaded);
+    for (const QString& old : MissingFiles::sizeMismatches(found, recorded)) {
+        m_sizeDiffers << found.value(old);
+        LOG(WARNING) << "relink: size differs: " << text(found.value(old)) << " (recorded " << recorded.value(old)
+                     << " bytes, found " << QFileInfo(found.value(old)).size() << ")";
+    }
+    const int relinked = Project::relink(loaded, found);
+    LOG(INFO) << "relink: " << found.size() << " found, " << loaded->content.missingMedia.size() << " still missing"
+              << (accepted ? "" : " (skipped)");
+    if (m_afterPlacement)
+        QTimer::singleShot(0, this, &ProjectController::checkPendingPlacement);
+    return relinked;
 }
 
 bool ProjectController::save()
@@ -214,23 +279,38 @@ bool ProjectController::save()
     return saveAs(m_path);
 }
 
+bool ProjectController::saveFailed(const QString& path, const QString& why, QString* error)
+{
+    LOG(WARNING) << "project: not saved " << text(path) << ": " << text(why);
+    if (error)
+        *error = why;
+    else
+        Dialog::showWarning(tr("Save project"), why);
+    return false;
+}
+
 bool ProjectController::saveAs(const QString& path, QString* error)
 {
     const QString absolute = QFileInfo(path).absoluteFilePath();
     QString why;
-    if (!Project::save(absolute, m_timeline, &why)) {
-        LOG(WARNING) << "project: not saved " << text(absolute) << ": " << text(why);
-        if (error)
-            *error = why;
-        else
-            Dialog::showWarning(tr("Save project"), why);
-        return false;
-    }
+    if (!Project::save(absolute, m_timeline, &why))
+        return saveFailed(absolute, why, error);
     m_path = absolute;
     m_timeline.undoStack()->setClean();
     updateTitle();
     rememberRecent(absolute);
     LOG(INFO) << "project: saved " << text(absolute);
+    return true;
+}
+
+bool ProjectController::savePortable(const QString& path, QString* error)
+{
+    const QString absolute = QFileInfo(path).absoluteFilePath();
+    QString why;
+    if (!Project::savePortable(absolute, m_timeline, &why))
+        return saveFailed(absolute, why, error);
+    // The open project stays the one the user worked on; the portable copy is a separate file.
+    LOG(INFO) << "project: saved portable " << text(absolute) << " (" << m_timeline.mediaPaths().size() << " media)";
     return true;
 }
 
@@ -336,7 +416,7 @@ void ProjectController::placeWhenOpened(const QStringList& paths, std::function<
 
 void ProjectController::checkPendingPlacement()
 {
-    if (!m_afterPlacement)
+    if (!m_afterPlacement || m_relinking)
         return;
     QStringList opened;
     for (const QString& path : m_pendingPlacement) {

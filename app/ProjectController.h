@@ -7,6 +7,10 @@
 #include <QPointer>
 #include <QStringList>
 
+namespace Project {
+struct Loaded;
+}
+
 class MainWindow;
 class MediaBin;
 class QMenu;
@@ -18,7 +22,14 @@ class TimelinePanel;
 // current project as it was. One log line per event:
 //   project: opened <path> (<n> clips, <m> missing)
 //   project: saved <path>
+//   project: saved portable <path> (<n> media)
 //   project: refused <path>: <reason>
+// A project whose media are missing shows the missing-files dialog before it opens; the files
+// found (by a folder search or by hand) replace the old paths in the clips, the project is
+// marked modified, and the rest keep their old paths (also when the user skips):
+//   relink: <old> -> <new>
+//   relink: size differs: <new> (recorded <n> bytes, found <m>)
+//   relink: <n> found, <m> still missing
 class ProjectController : public QObject
 {
     Q_OBJECT
@@ -37,6 +48,8 @@ public:
     bool save();
     // With `error`, a failure is told there instead of in a dialog (unattended runs).
     bool saveAs(const QString& path, QString* error = nullptr);
+    // The project and copies of its media into the folder of `path` (see Project::savePortable).
+    bool savePortable(const QString& path, QString* error = nullptr);
     // Asks to save unsaved changes; false when the user cancelled.
     bool maySafelyDiscard();
 
@@ -52,6 +65,10 @@ public:
 
     static QStringList recentProjects();
 
+    // Unattended relinking: the missing-files dialog of each project opened from now on
+    // starts its search of `folder` at once and takes what it found when the search ends.
+    void setRelinkFolder(const QString& folder) { m_relinkFolder = folder; }
+
 signals:
     void projectChanged();
 
@@ -64,6 +81,9 @@ private:
     void showProjectSettings();
     void placeBinSelection(bool atEnd, MediaTime position);
     void checkPendingPlacement();
+    int relinkMissing(Project::Loaded* loaded);
+    // Logs the failure and tells it in `error`, or in a dialog without one; false.
+    bool saveFailed(const QString& path, const QString& why, QString* error);
 
     MainWindow* m_window;
     MediaBin* m_bin;
@@ -78,4 +98,7 @@ private:
     QStringList m_namedFiles;
     bool m_collectNamed = true;
     bool m_openingProject = false;
+    bool m_relinking = false;
+    QString m_relinkFolder;
+    QStringList m_sizeDiffers; // relinked files of another size than recorded, for the bin
 };

@@ -165,20 +165,25 @@ int main(int argc, char** argv)
     // The project: timeline panel, File and Edit menus, project files from the command line.
     ProjectController project(&window, &mediaBin);
     ImportMenu::install(window); // into the project's File menu
+    // Without a list, the search folder is for the projects the command line opens.
+    if (options.findMissingList.isEmpty() && !options.searchFolder.isEmpty())
+        project.setRelinkFolder(options.searchFolder);
 
     window.show();
     PubSub::publish(Command::ReadyNotification());
     const QStringList namedFiles = project.takeNamedFiles();
-    if (options.placeOnTimeline || !options.saveProjectPath.isEmpty()) {
-        project.placeWhenOpened(options.placeOnTimeline ? namedFiles : QStringList(), [&] {
-            if (options.saveProjectPath.isEmpty())
+    const bool portable = !options.savePortablePath.isEmpty();
+    const QString savePath = portable ? options.savePortablePath : options.saveProjectPath;
+    if (options.placeOnTimeline || !savePath.isEmpty()) {
+        project.placeWhenOpened(options.placeOnTimeline ? namedFiles : QStringList(), [&, portable, savePath] {
+            if (savePath.isEmpty())
                 return;
             QString why;
-            if (project.saveAs(options.saveProjectPath, &why)) {
+            if (portable ? project.savePortable(savePath, &why) : project.saveAs(savePath, &why)) {
                 QApplication::exit(0);
             } else {
-                std::fprintf(stderr, "klipvane: cannot save the project to %s: %s\n",
-                             qPrintable(options.saveProjectPath), qPrintable(why));
+                std::fprintf(stderr, "klipvane: cannot save the project to %s: %s\n", qPrintable(savePath),
+                             qPrintable(why));
                 QApplication::exit(1);
             }
         });

@@ -1,5 +1,7 @@
 #include "RelinkJob.h"
 
+#include <Project/Relink.h>
+
 #include <QFile>
 #include <QJsonArray>
 #include <QSet>
@@ -35,6 +37,13 @@ bool RelinkJob::readList(const QByteArray& text, bool nulSeparated, bool withSiz
         }
     }
     return true;
+}
+
+void RelinkJob::readProject(const Project::Loaded& loaded)
+{
+    missing = loaded.content.missingMedia.values();
+    missing.sort();
+    recorded = Project::recordedSizes(loaded);
 }
 
 QJsonObject RelinkJob::report(const MissingFiles::SearchResult& result) const

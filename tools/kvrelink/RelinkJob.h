@@ -8,9 +8,13 @@
 #include <QString>
 #include <QStringList>
 
+namespace Project {
+struct Loaded;
+}
+
 // One relink: the folder to search and the missing paths (with the sizes recorded for them,
-// when known). Where the paths come from is the job's source; a list of names today, a
-// project file later (which then also takes the map back).
+// when known). The paths come from a list of names or from a project file (which then also
+// takes the map back).
 struct RelinkJob
 {
     QString folder;
@@ -21,6 +25,9 @@ struct RelinkJob
     // holding newlines). With `withSizes`, a record is "SIZE<TAB>PATH". Blank records are
     // skipped; false with `error` set on a malformed record.
     bool readList(const QByteArray& text, bool nulSeparated, bool withSizes, QString* error);
+
+    // Takes the missing media of a loaded project, with the sizes it recorded.
+    void readProject(const Project::Loaded& loaded);
 
     // The search's outcome as the tool prints it.
     QJsonObject report(const MissingFiles::SearchResult& result) const;
