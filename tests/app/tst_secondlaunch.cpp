@@ -328,6 +328,10 @@ private slots:
     {
         QFETCH(QString, maxConnections);
         QFETCH(QString, logged);
+        // Instrumented, the editor works through the queue of refused peers too slowly for the
+        // launch's own 15 s wait to mean anything; the normal build checks this row.
+        if (!maxConnections.isEmpty() && KV_TEST_TIME_SCALE > 1)
+            QSKIP("descriptor exhaustion is timed in the normal build only");
         if (!maxConnections.isEmpty())
             m_environment.insert(QStringLiteral("KLIPVANE_IPC_MAX_CONNECTIONS"), maxConnections);
         auto primary = startPrimary({QStringLiteral("prlimit"), QStringLiteral("--nofile=256:256"), QStringLiteral("--")});
