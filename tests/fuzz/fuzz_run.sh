@@ -21,3 +21,17 @@ run_target() {
     fi
     echo "$(basename "$0" .sh): no failure in ${seconds}s; corpus: $(ls "$corpus" | wc -l) inputs"
 }
+
+# Writes the seed corpus with SEEDER into SEEDS; with SECONDS 0 it replays the inputs that
+# follow instead of fuzzing (WHAT names the script's first argument in the message).
+#
+#   seed_or_replay TARGET SEEDER SEEDS SECONDS WHAT [INPUT...]
+seed_or_replay() {
+    target=$1 seeder=$2 seeds=$3 seconds=$4 what=$5
+    shift 5
+    "$seeder" "$seeds" || fail "writing the seed corpus failed"
+    if [ "$seconds" = 0 ]; then
+        [ $# -gt 0 ] || fail "nothing to replay: give the inputs after $what 0"
+        exec "$target" "$@"
+    fi
+}

@@ -29,12 +29,7 @@ if stale "$out/frame_seeds"; then
     "$cxx" $flags -fsanitize=address,undefined -DKV_FRAME_SEEDS "$here/fuzz_frame.cpp" "$src/UniqueIPC/Frame.cpp" \
         -o "$out/frame_seeds" || fail "building the seed writer failed"
 fi
-"$out/frame_seeds" "$out/seeds" || fail "writing the seed corpus failed"
-if [ "$seconds" = 0 ]; then
-    [ $# -gt 0 ] || fail "nothing to replay: give the inputs after OUT_DIR 0"
-    exec "$out/fuzz_frame" "$@"
-fi
-
 . "$here/fuzz_run.sh"
+seed_or_replay "$out/fuzz_frame" "$out/frame_seeds" "$out/seeds" "$seconds" OUT_DIR "$@"
 run_target "$out/fuzz_frame" "$seconds" "$out/corpus" "$out/seeds" "$out/crashes" "$out/last_run.log" \
     -max_len=4096 -dict="$here/frame.dict"

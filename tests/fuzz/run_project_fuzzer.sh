@@ -50,13 +50,8 @@ if stale "$out/fuzz_project"; then
     "$cxx" $flags -fsanitize=fuzzer-no-link -DKV_PROJECT_SEEDS "$here/fuzz_project.cpp" $objects $libs \
         -o "$out/project_seeds" || fail "building the seed writer failed"
 fi
-"$out/project_seeds" "$out/seeds" || fail "writing the seed corpus failed"
-if [ "$seconds" = 0 ]; then
-    [ $# -gt 0 ] || fail "nothing to replay: give the inputs after BUILD_DIR 0"
-    exec "$out/fuzz_project" "$@"
-fi
-
 . "$here/fuzz_run.sh"
+seed_or_replay "$out/fuzz_project" "$out/project_seeds" "$out/seeds" "$seconds" BUILD_DIR "$@"
 replay_dir=$build
 # Qt keeps a few process-wide allocations until exit; they are not the loader's leaks.
 export LSAN_OPTIONS=suppressions=$here/project.supp QT_QPA_PLATFORM=offscreen
