@@ -9,6 +9,8 @@ set -eu
 here=$(cd "$(dirname "$0")" && pwd)
 root=$(cd "$here/../.." && pwd)
 build=${1:?usage: run_project_fuzzer.sh BUILD_DIR [SECONDS [INPUT...]]}
+# Absolute: the programs find the built library through an rpath made from it.
+build=$(cd "$build" && pwd)
 seconds=${2:-15}
 [ $# -gt 2 ] && shift 2 || set --
 out=$build/fuzz/project
