@@ -19,6 +19,7 @@ HostOptions HostOptions::take(QStringList& arguments)
         {QStringLiteral("--save-portable"), [&](const QString& v) { options.savePortablePath = v; }},
         {QStringLiteral("--thumbnails-to"), [&](const QString& v) { options.thumbnailsDir = v; }},
         {QStringLiteral("--thumbnail-size"), [&](const QString& v) { options.thumbnailSize = v.toInt(); }},
+        {QStringLiteral("--log-stalls"), [&](const QString& v) { options.logStallsMs = v.toInt(); }},
     };
     const std::map<QString, std::function<void()>> flags{
         {QStringLiteral("--place-on-timeline"), [&] { options.placeOnTimeline = true; }},
@@ -75,6 +76,7 @@ QString HostOptions::usage()
         "                             --find-missing, the same for a project opened with missing\n"
         "                             media, its result taken when the search ends\n"
         "  --show-file <path>         reveal the file in the file manager once ready\n"
+        "  --log-stalls <ms>          log each time the window stops responding for longer than that\n"
         "  -h, --help                 print this help and exit\n"
         "  -v, --version              print the version and exit\n");
 }

@@ -22,6 +22,7 @@ struct HostOptions
     bool placeOnTimeline = false; // --place-on-timeline: put the named media on the timeline once opened
     QString savePortablePath;   // --save-portable <file.kvproj>: ...or a portable project (media copied beside it)
     QString saveProjectPath;    // --save-project <file.kvproj>: then save the project there and quit
+    int logStallsMs = -1;       // --log-stalls <ms>: log each stall of the GUI thread longer than that
 
     // Removes the host options from `arguments` (element 0 is the program) and returns them.
     static HostOptions take(QStringList& arguments);

@@ -129,6 +129,11 @@ MediaBin::MediaBin(QListWidget* bin, QObject* parent) : QObject(parent), m_bin(b
     connect(&m_pool, &Media::FilePool::fileOpened, this, track);
     connect(&m_pool, &Media::FilePool::fileFailed, this, track);
     m_bin->setIconSize(QSize(BinThumbnails::Size, BinThumbnails::Size * 9 / 16));
+    // Every item is the icon box and two lines high: with uniform sizes a batch of thousands
+    // is laid out without asking each item for its size again on every change, and in
+    // batches, so the GUI thread takes outcomes and second launches in between.
+    m_bin->setUniformItemSizes(true);
+    m_bin->setLayoutMode(QListView::Batched);
     BinThumbnails::watch(m_bin, this);
 }
 

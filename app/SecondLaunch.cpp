@@ -129,10 +129,10 @@ QStringList SecondLaunch::filesOf(const QStringList& arguments)
     return files;
 }
 
-SecondLaunch SecondLaunch::decide(const QStringList& arguments)
+SecondLaunch SecondLaunch::decide(const QStringList& arguments, const QString& key)
 {
     SecondLaunch launch;
-    launch.instance = IPC::Util::createEditorSingleInstance();
+    launch.instance = std::make_shared<Tavrin::App::SingleInstance>(key);
     if (!launch.instance->isAnotherInstanceRunning())
         return launch;
 

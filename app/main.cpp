@@ -3,6 +3,7 @@
 
 #include "CaptureTools.h"
 #include "DialogGallery.h"
+#include "EditorModule.h"
 #include "HostOptions.h"
 #include "HostServices.h"
 #include "ImportMenu.h"
@@ -10,6 +11,7 @@
 #include "MediaBin.h"
 #include "ProjectController.h"
 #include "SecondLaunch.h"
+#include "StallWatch.h"
 #include "ThumbnailExport.h"
 
 #include <ActionGateway.h>
@@ -21,6 +23,7 @@
 #include <App/ServiceRegistry.h>
 #include <Launcher/Launcher.h>
 #include <Log/Logging.h>
+#include <Util/Allocator.h>
 #include <Util/SpontaneousDialog.h>
 
 #include <QApplication>
@@ -35,6 +38,7 @@
 #include <glog/logging.h>
 
 #include <cstdio>
+#include <memory>
 #include <unistd.h>
 
 namespace {
@@ -53,15 +57,6 @@ void saveScreenshot(MainWindow& window, const QString& path)
         LOG(INFO) << "screenshot: " << QFileInfo(path).absoluteFilePath().toStdString();
     else
         LOG(ERROR) << "Could not save the screenshot to " << path.toStdString();
-}
-
-// The folder of the executable, known without an application object (product.json and
-// the catalogues sit there).
-QString executableDirectory(const char* argv0)
-{
-    const QFileInfo self(QStringLiteral("/proc/self/exe"));
-    const QString path = self.exists() ? self.canonicalFilePath() : QFileInfo(QString::fromLocal8Bit(argv0)).absoluteFilePath();
-    return QFileInfo(path).absolutePath();
 }
 
 // Links open through the inter-process layer, so a companion of the product family can
@@ -83,22 +78,18 @@ long residentKilobytes()
 
 } // namespace
 
-int main(int argc, char** argv)
+// The editor's main(), run by the klipvane launcher (LauncherMain.cpp) in its own process
+// once the single-instance rule kept this launch, or for the tools that skip the rule. Host
+// options, --help and --version were dealt with there; the log is set up.
+extern "C" Q_DECL_EXPORT int klipvaneEditorMain(int argc, char** argv)
 {
+    Tavrin::Util::tuneAllocatorForMedia();
     QStringList arguments;
     for (int i = 0; i < argc; ++i)
         arguments << QString::fromLocal8Bit(argv[i]);
     const HostOptions options = HostOptions::take(arguments);
-    if (options.help || options.version) {
-        const QString text = options.help ? HostOptions::usage() : QStringLiteral("klipvane " KLIPVANE_VERSION "\n");
-        std::fputs(text.toLocal8Bit().constData(), stdout);
-        return 0;
-    }
-    // The log file waits until this process is known to need one: a launch that only hands
-    // its files to the running editor leaves no log of its own.
-    Tavrin::Log::init(argv[0], Tavrin::Log::FileStart::Later);
     Launcher::instance().setArguments(arguments);
-    HostServices::registerProduct(executableDirectory(argv[0]), options.locale);
+    HostServices::registerProduct(EditorModule::executableDirectory(argv[0]), options.locale);
 
     // A tool, not an editor: no window, no display, no hand-over to a running editor.
     if (!options.thumbnailsDir.isEmpty()) {
@@ -109,18 +100,8 @@ int main(int argc, char** argv)
         return ThumbnailExport::run(options.thumbnailsDir, SecondLaunch::filesOf(arguments),
                                     std::max(1, options.thumbnailSize));
     }
-
-    // Decided before any application object: a launch that only hands its files to the
-    // running editor must not pay for widgets. The gallery is a tool, not an editor.
-    SecondLaunch launch;
-    if (options.dialogGalleryDir.isEmpty())
-        launch = SecondLaunch::decide(arguments);
-    else
+    if (!options.dialogGalleryDir.isEmpty())
         DialogGallery::prepareEnvironment();
-    if (launch.exitCode != SecondLaunch::HandedOver)
-        Tavrin::Log::startFile(); // the editor's log, or the story of a launch that failed
-    if (launch.exitCode)
-        return *launch.exitCode;
 
     QApplication application(argc, argv);
     QApplication::setOrganizationName(QStringLiteral("Klipvane"));
@@ -209,7 +190,12 @@ int main(int argc, char** argv)
         QTimer::singleShot(options.quitAfterReadyMs, &application, &QApplication::quit);
     }
 
+    std::unique_ptr<StallWatch> stallWatch;
+    if (options.logStallsMs >= 0)
+        stallWatch = std::make_unique<StallWatch>(options.logStallsMs);
+
     const int status = QApplication::exec();
+    stallWatch.reset();
     IPC::Controller::destroy();
     LOG(INFO) << "exit: " << status;
     return status;

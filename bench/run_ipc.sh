@@ -3,7 +3,9 @@
 #  (a) second launch: `klipvane FILE` while a primary klipvane runs, timed from process
 #      start to exit, each hand-off checked in the primary's log ("command: AddFiles PATH");
 #      side by side with the same hand-off on Debian's SingleApplication (bench_singleapp),
-#      runs interleaved so both see the same machine load. Medians and ratio ours/peer.
+#      runs interleaved so both see the same machine load. Medians and ratio ours/peer;
+#      the floor (bench_floor: a bare Qt Core + Network program sending the same call over
+#      one local socket) is interleaved too, and the libraries each side loads are counted.
 #  (b) calls per second over one connection, one at a time and pipelined, against a raw
 #      local socket echo of the same bytes (bench_ipc rate);
 #  (c) reading bursts of small frames out of one buffer: time per frame must stay flat.
@@ -14,7 +16,7 @@ here=$(cd "$(dirname "$0")" && pwd)
 build=$(cd "${1:-$here/../build}" && pwd)
 runs=${2:-60}
 bin=$build/bin
-for program in klipvane bench_singleapp bench_ipc; do
+for program in klipvane bench_singleapp bench_floor bench_ipc; do
     [ -x "$bin/$program" ] || { echo "run_ipc: $bin/$program is missing; build first (ninja -C $build)" >&2; exit 1; }
 done
 
@@ -46,6 +48,7 @@ unset KLIPVANE_IPC_PARENT
 mkdir "$work/files"
 for i in $(seq -w 1 "$runs"); do
     cp "$work/src/h264_tiny.mp4" "$work/files/clip_$i.mp4"
+    cp "$work/src/h264_tiny.mp4" "$work/files/floor_$i.mp4"
 done
 
 # Waits until FILE contains the fixed text, for at most 20 s.
@@ -77,11 +80,17 @@ wait_for "$work/peer.log" "ready" || { echo "run_ipc: the peer primary did not b
 # CPU time (user + system) of each launch, from bash's `time`: it tells waiting from working.
 TIMEFORMAT='%U %S'
 : > "$work/ours.ms"
+: > "$work/floor.ms"
+: > "$work/floor.cpu"
+# The editor's socket, for the floor program: the only socket in the private folder.
+socket=$(find "$KLIPVANE_IPC_DIR" -maxdepth 1 -type s | head -1)
+[ -n "$socket" ] || { echo "run_ipc: the primary klipvane has no socket in $KLIPVANE_IPC_DIR" >&2; exit 1; }
 : > "$work/peer.ms"
 : > "$work/ours.cpu"
 : > "$work/peer.cpu"
 failures=0
-for file in "$work"/files/*; do
+for file in "$work"/files/clip_*; do
+    floor_file=${file/clip_/floor_}
     t0=$EPOCHREALTIME
     { time "$bin/klipvane" "$file" 2>> "$work/secondary.log" > /dev/null; } 2>> "$work/ours.cpu" ||
         { echo "run_ipc: klipvane $file exited with $?" >&2; failures=$((failures + 1)); }
@@ -89,12 +98,18 @@ for file in "$work"/files/*; do
     { time "$bin/bench_singleapp" "$file" 2>> "$work/peer_secondary.log"; } 2>> "$work/peer.cpu" ||
         { echo "run_ipc: bench_singleapp $file exited with $?" >&2; failures=$((failures + 1)); }
     t2=$EPOCHREALTIME
+    { time "$bin/bench_floor" "$socket" "$floor_file"; } 2>> "$work/floor.cpu" ||
+        { echo "run_ipc: bench_floor $floor_file exited with $?" >&2; failures=$((failures + 1)); }
+    t3=$EPOCHREALTIME
     elapsed_ms "$t0" "$t1" >> "$work/ours.ms"
     elapsed_ms "$t1" "$t2" >> "$work/peer.ms"
+    elapsed_ms "$t2" "$t3" >> "$work/floor.ms"
+    wait_for "$work/primary.log" "command: AddFiles $floor_file" || { echo "run_ipc: klipvane never received $floor_file" >&2; failures=$((failures + 1)); }
     wait_for "$work/primary.log" "command: AddFiles $file" || { echo "run_ipc: klipvane never received $file" >&2; failures=$((failures + 1)); }
     wait_for "$work/peer.log" "received: $file" || { echo "run_ipc: the peer never received $file" >&2; failures=$((failures + 1)); }
 done
-delivered_ours=$(grep -c "command: AddFiles $work/files/" "$work/primary.log" || true)
+delivered_ours=$(grep -c "command: AddFiles $work/files/clip_" "$work/primary.log" || true)
+delivered_floor=$(grep -c "command: AddFiles $work/files/floor_" "$work/primary.log" || true)
 delivered_peer=$(grep -c "received: $work/files/" "$work/peer.log" || true)
 
 "$bin/bench_singleapp" --quit 2>/dev/null || true
@@ -112,7 +127,19 @@ echo "    klipvane min/max_ms=$(sort -g "$work/ours.ms" | head -1)/$(sort -g "$w
      "singleapplication min/max_ms=$(sort -g "$work/peer.ms" | head -1)/$(sort -g "$work/peer.ms" | tail -1)"
 # A mean, not a median: the kernel counts CPU time in scheduler ticks, which only average out.
 cpu_ms() { awk '{ sum += $1 + $2 } END { printf "%.1f\n", sum * 1000 / NR }' "$1"; }
-echo "    mean cpu_ms (user+system): klipvane=$(cpu_ms "$work/ours.cpu") singleapplication=$(cpu_ms "$work/peer.cpu")"
+c_ours=$(cpu_ms "$work/ours.cpu")
+c_peer=$(cpu_ms "$work/peer.cpu")
+echo "    mean cpu_ms (user+system): klipvane=$c_ours singleapplication=$c_peer floor=$(cpu_ms "$work/floor.cpu")" \
+     "ratio ours/peer=$(awk "BEGIN { printf \"%.3f\", $c_ours / $c_peer }")"
+m_floor=$(median "$work/floor.ms")
+echo "    floor (bare Qt Core + Network, same call) median_ms=$m_floor (delivered $delivered_floor/$runs)" \
+     "ratio ours/floor=$(awk "BEGIN { printf \"%.3f\", $m_ours / $m_floor }")"
+# What the loader maps for a hand-off: the executable's whole dependency tree (the editor
+# module is loaded only by a launch that becomes the editor).
+loaded() { LD_TRACE_LOADED_OBJECTS=1 "$1" | grep -c '=>'; }
+echo "    libraries loaded: klipvane=$(loaded "$bin/klipvane") floor=$(loaded "$bin/bench_floor")" \
+     "singleapplication=$(loaded "$bin/bench_singleapp"); Qt in klipvane's:" \
+     $(LD_TRACE_LOADED_OBJECTS=1 "$bin/klipvane" | grep -o 'libQt5[A-Za-z]*' | sort -u)
 
 # A folder of its own: the primary editor, ended above, may have left its socket behind.
 mkdir -m 0700 "$work/ipc_rate"

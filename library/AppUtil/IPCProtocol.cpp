@@ -1,5 +1,6 @@
 #include "IPCProtocol.h"
 #include "IPCProtocol_p.h"
+#include "IPCCalls_p.h"
 
 #include <App/AppManager.h>
 #include <App/ICustomizationManager.h>
@@ -20,9 +21,9 @@ namespace {
 using Tavrin::UniqueIPC::ApiVersion;
 namespace details = Tavrin::UniqueIPC::details;
 
-const ApiVersion kEditorVersion{1, 0, 0, 0, std::string()};
+using Calls::kEditorAppId;
+using Calls::kEditorVersion;
 const ApiVersion kGreetingVersion{0, 0, 0, 0, std::string()};
-const char kEditorAppId[] = "klipvane";
 
 std::shared_ptr<Tavrin::App::ICustomizationManager> customization()
 {
@@ -252,30 +253,6 @@ void Protocol::sendPrepareToCapture(const QString& appId)
 {
     send(*this, appId.toStdString(), "OnPrepareToCapture",
          {Tavrin::App::AppManager::GetCurrentConnectId(GetAppId())}, {"QString"});
-}
-
-Tavrin::UniqueIPC::Call Protocol::addFilesCall(const QStringList& files)
-{
-    Tavrin::UniqueIPC::Call call;
-    call.target = kEditorAppId;
-    call.function = "OnAddFiles";
-    call.version = kEditorVersion;
-    for (const QString& file : files) {
-        call.arguments.push_back(details::ArgToString(file));
-        call.types.push_back("QString");
-    }
-    return call;
-}
-
-Tavrin::UniqueIPC::Call Protocol::openProjectCall(const QString& path)
-{
-    Tavrin::UniqueIPC::Call call;
-    call.target = kEditorAppId;
-    call.function = "OnOpenProject";
-    call.version = kEditorVersion;
-    call.arguments = {details::ArgToString(path)};
-    call.types = {"QString"};
-    return call;
 }
 
 } // namespace IPC

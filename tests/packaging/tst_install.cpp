@@ -35,7 +35,7 @@ private slots:
         QTest::addColumn<QString>("file");
         for (const char* file : {"bin/klipvane", "bin/kvcompanion", "bin/kvprobe", "bin/product.json",
                                  "bin/applications.json", "bin/translations/klipvane_de_DE.qm",
-                                 "lib/libEditorAppUtil.so", "lib/libKvMediaReader.so"})
+                                 "lib/libEditorAppUtil.so", "lib/libKvMediaReader.so", "lib/libklipvane-editor.so"})
             QTest::newRow(file) << QString::fromLatin1(file);
     }
 

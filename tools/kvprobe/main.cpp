@@ -14,15 +14,18 @@
 #include <App/ProductServices.h>
 #include <Log/Logging.h>
 #include <Media/FilePool.h>
+#include <Util/Allocator.h>
 
 #include <QCoreApplication>
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QThread>
 
 #include <glog/logging.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <initializer_list>
@@ -95,6 +98,10 @@ int main(int argc, char** argv)
             return 0;
         }
     }
+    Tavrin::Util::tuneAllocatorForMedia();
+    // No GUI thread to keep responsive here: opening is partly waiting for the disk, so a
+    // few more threads than cores pay off.
+    Media::FilePool::setWorkerThreads(std::max(4, QThread::idealThreadCount() * 2));
     Tavrin::Log::init(argv[0]);
     QCoreApplication application(argc, argv);
     QCoreApplication::setOrganizationName(QStringLiteral("Klipvane"));

@@ -29,14 +29,16 @@ QMutex workersMutex;
 QThreadPool* workerThreads = nullptr;
 std::atomic<bool> workersStopping{false};
 std::atomic<int> openingsRunning{0};
+// Unset: one core is left to the GUI thread, which takes every outcome and draws the bin;
+// with more workers than that, a batch of thousands of files starves it.
+int workerCount = 0;
 
 void startWorker(std::function<void()> job)
 {
     QMutexLocker lock(&workersMutex);
     if (!workerThreads) {
         workerThreads = new QThreadPool;
-        // Opening is mostly waiting for the disk, so a few more threads than cores pay off.
-        workerThreads->setMaxThreadCount(std::max(4, QThread::idealThreadCount() * 2));
+        workerThreads->setMaxThreadCount(workerCount > 0 ? workerCount : std::max(1, QThread::idealThreadCount() - 1));
         workerThreads->setExpiryTimeout(5000);
         if (QCoreApplication::instance())
             qAddPostRoutine(&FilePool::drainWorkers);
@@ -45,6 +47,14 @@ void startWorker(std::function<void()> job)
 }
 
 } // namespace
+
+void FilePool::setWorkerThreads(int count)
+{
+    QMutexLocker lock(&workersMutex);
+    workerCount = count;
+    if (workerThreads && count > 0)
+        workerThreads->setMaxThreadCount(count);
+}
 
 struct FilePool::Impl
 {

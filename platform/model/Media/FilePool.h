@@ -52,6 +52,10 @@ public:
     // application object calls it before returning from main(). Opening starts again on the
     // next addFile().
     static void drainWorkers();
+    // How many threads open files, for every pool of the process. By default one fewer than
+    // the cores (at least one), leaving the GUI thread a core; a program without a GUI
+    // thread to keep responsive may take them all.
+    static void setWorkerThreads(int count);
 
     void addView(FileView* view);
     void removeView(FileView* view);

@@ -1,5 +1,7 @@
 #include "App/ProductDescription.h"
 
+#include "App/ProductKey.h"
+
 #include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -78,15 +80,13 @@ std::optional<ProductDescription> ProductDescription::parse(const QByteArray& js
     d.localizedProductNames = stringMap(product.value(QLatin1String("localizedNames")));
     d.productVersion = product.value(QLatin1String("version")).toString();
     d.applicationName = application.value(QLatin1String("name")).toString(d.productName);
-    d.singleInstanceKey = application.value(QLatin1String("singleInstanceKey")).toString();
+    d.singleInstanceKey = singleInstanceKeyOf(root);
     if (d.productName.isEmpty()) {
         setError(error, QStringLiteral("\"product.name\" is missing"));
         return std::nullopt;
     }
     if (d.productId.isEmpty())
         d.productId = d.productName.toLower();
-    if (d.singleInstanceKey.isEmpty())
-        d.singleInstanceKey = QStringLiteral("%1.%2").arg(d.organizationId, d.applicationName).toLower();
 
     d.localeParameter = links.value(QLatin1String("localeParameter")).toString(d.localeParameter);
     d.urlParameters = stringMap(links.value(QLatin1String("parameters")));
@@ -108,7 +108,7 @@ ProductDescription ProductDescription::fallback()
     d.productId = QStringLiteral("klipvane");
     d.productName = QStringLiteral("Klipvane");
     d.applicationName = QStringLiteral("Klipvane");
-    d.singleInstanceKey = QStringLiteral("tavrin.klipvane");
+    d.singleInstanceKey = fallbackSingleInstanceKey();
     return d;
 }
 
