@@ -141,6 +141,53 @@ private slots:
         const QStringList added = KvTest::logged(written.readAll(), QStringLiteral("command: AddFiles "));
         QCOMPARE(added, QStringList{QString(clip).replace(QLatin1Char('\n'), QStringLiteral("\\n"))});
     }
+
+    // A launch runs the executable alone until it knows it is the editor: what the loader
+    // maps for it (its whole dependency tree) must hold nothing with a window, or every
+    // hand-off pays for loading it.
+    void executableLinksNoWindowLibraries_data()
+    {
+        QTest::addColumn<QString>("library");
+        QTest::addColumn<bool>("loaded");
+        QTest::newRow("Qt Core") << QStringLiteral("/libQt5Core.so") << true;
+        QTest::newRow("Qt Network") << QStringLiteral("/libQt5Network.so") << true;
+        QTest::newRow("inter-process layer") << QStringLiteral("/libKvPlatformIpc.so") << true;
+        QTest::newRow("Qt Gui") << QStringLiteral("/libQt5Gui.so") << false;
+        QTest::newRow("Qt Widgets") << QStringLiteral("/libQt5Widgets.so") << false;
+        QTest::newRow("OpenGL") << QStringLiteral("/libGL") << false;
+        QTest::newRow("the library") << QStringLiteral("/libEditorAppUtil.so") << false;
+        QTest::newRow("product services") << QStringLiteral("/libKvPlatformServices.so") << false;
+        QTest::newRow("editor module") << QStringLiteral("/libklipvane-editor.so") << false;
+    }
+
+    void executableLinksNoWindowLibraries()
+    {
+        QFETCH(QString, library);
+        QFETCH(bool, loaded);
+        QProcess trace;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QStringLiteral("LD_TRACE_LOADED_OBJECTS"), QStringLiteral("1"));
+        trace.setProcessEnvironment(environment);
+        trace.start(KvTest::builtProgram(QStringLiteral("klipvane")), QStringList());
+        QVERIFY(trace.waitForFinished(10000));
+        const QString listed = QString::fromLocal8Bit(trace.readAllStandardOutput());
+        QVERIFY2(listed.contains(QStringLiteral("libQt5Core")), qPrintable(listed));
+        QVERIFY2(listed.contains(library) == loaded, qPrintable(listed));
+    }
+
+    // The editor runs in the process that was started: tests and scripts follow it by that id.
+    void editorIsTheProcessThatWasStarted()
+    {
+        QTemporaryDir home;
+        KvTest::Host editor(KvTest::hostEnvironment(home), KvTest::builtProgram(QStringLiteral("klipvane")),
+                            {QStringLiteral("--quit-after-ready"), QStringLiteral("20000")});
+        QVERIFY2(editor.waitForLog("] startup: "), editor.log().constData());
+        QFile maps(QStringLiteral("/proc/%1/maps").arg(editor.processId()));
+        QVERIFY(maps.open(QIODevice::ReadOnly));
+        QVERIFY(maps.readAll().contains("/libklipvane-editor.so"));
+        editor.terminate();
+        QVERIFY(editor.waitForFinished(5000));
+    }
 };
 
 QTEST_GUILESS_MAIN(TestKlipvaneCli)

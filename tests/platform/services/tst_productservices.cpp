@@ -4,8 +4,10 @@
 
 #include <App/LaunchTypeProcessor.h>
 #include <App/ProductDescription.h>
+#include <App/ProductKey.h>
 #include <Settings/Settings.h>
 
+#include <QTemporaryDir>
 #include <QtTest>
 
 using namespace Tavrin::App;
@@ -28,6 +30,41 @@ private slots:
         QString error;
         QVERIFY(!ProductDescription::parse(json, &error));
         QVERIFY(!error.isEmpty());
+    }
+
+    // A second launch reads the key alone; it must find the key the editor's services hold,
+    // or the two would not recognise each other.
+    void keyAloneIsTheKeyOfTheWholeDescription_data()
+    {
+        QTest::addColumn<QByteArray>("json");
+        QTest::addColumn<QString>("key");
+        QTest::newRow("named") << QByteArray(R"({"product": {"name": "K"}, "application": {"singleInstanceKey": "a.B"}})")
+                               << QStringLiteral("a.B");
+        QTest::newRow("from organisation and application")
+            << QByteArray(R"({"organization": {"id": "Org"}, "product": {"name": "K"}, "application": {"name": "Ed"}})")
+            << QStringLiteral("org.ed");
+        QTest::newRow("application named after the product")
+            << QByteArray(R"({"organization": {"id": "org"}, "product": {"name": "Kv"}})") << QStringLiteral("org.kv");
+        QTest::newRow("no product name") << QByteArray(R"({"application": {"singleInstanceKey": "a.b"}})")
+                                         << QStringLiteral("tavrin.klipvane");
+        QTest::newRow("not JSON") << QByteArray("{\"product\": ") << QStringLiteral("tavrin.klipvane");
+        QTest::newRow("no file") << QByteArray() << QStringLiteral("tavrin.klipvane");
+    }
+
+    void keyAloneIsTheKeyOfTheWholeDescription()
+    {
+        QFETCH(QByteArray, json);
+        QFETCH(QString, key);
+        QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("product.json"));
+        if (!json.isEmpty()) {
+            QFile file(path);
+            QVERIFY(file.open(QIODevice::WriteOnly));
+            file.write(json);
+        }
+        QCOMPARE(readSingleInstanceKey(path), key);
+        const auto description = ProductDescription::load(path);
+        QCOMPARE(description ? description->singleInstanceKey : ProductDescription::fallback().singleInstanceKey, key);
     }
 
     void launchIsRecordedPerVersion()
