@@ -7,7 +7,7 @@
 # reports must be identical. Goal: defaults / tuned >= 1.7.
 set -eu
 here=$(cd "$(dirname "$0")" && pwd)
-build=${1:-$here/../build}
+build=$(cd "${1:-$here/../build}" && pwd)
 count=${2:-5000}
 bin=$build/bin
 . "$here/common.sh"
@@ -41,4 +41,4 @@ d=$(sort -g "$work/defaults.txt" | head -1 | cut -d' ' -f1)
 echo "kvprobe on $count files: tuned $(best "$work/tuned.txt"); defaults $(best "$work/defaults.txt")"
 echo "rounds (s, kB): tuned $(tr '\n' ' ' < "$work/tuned.txt")| defaults $(tr '\n' ' ' < "$work/defaults.txt")"
 echo "ratio defaults/tuned: $(ratio "$d" "$t" 2) (goal >= 1.7); reports $same ($(wc -c < "$work/tuned.json") bytes)"
-[ "$same" = identical ]
+[ "$same" = identical ] && [ -s "$work/tuned.json" ]
