@@ -18,7 +18,10 @@ bin=$build/bin
 . "$here/common.sh"
 require "$bin/klipvane" ffmpeg
 editor=""
-stop_editor() { [ -n "$editor" ] && kill "$editor" 2>/dev/null && wait "$editor" 2>/dev/null; editor=""; }
+stop_editor() {
+    if [ -n "$editor" ]; then kill "$editor" 2>/dev/null; wait "$editor" 2>/dev/null || true; fi
+    editor=""
+}
 trap 'stop_editor; rm -rf "$work"' EXIT
 trap 'exit 130' INT TERM
 # The log's times of day and $EPOCHREALTIME compare in one zone.
