@@ -19,6 +19,14 @@ HostOptions HostOptions::take(QStringList& arguments)
         {QStringLiteral("--save-portable"), [&](const QString& v) { options.savePortablePath = v; }},
         {QStringLiteral("--thumbnails-to"), [&](const QString& v) { options.thumbnailsDir = v; }},
         {QStringLiteral("--thumbnail-size"), [&](const QString& v) { options.thumbnailSize = v.toInt(); }},
+        {QStringLiteral("--request-opengl"), [&](const QString& v) { options.requestOpengl = v; }},
+        {QStringLiteral("--request-opengl-silently"), [&](const QString& v) {
+             options.requestOpengl = v;
+             options.requestOpenglSilently = true;
+         }},
+        {QStringLiteral("--inhibit-ms"), [&](const QString& v) { options.inhibitMs = v.toInt(); }},
+        {QStringLiteral("--crash-with-opengl"), [&](const QString& v) { options.crashWithOpengl = v; }},
+        {QStringLiteral("--hang-with-opengl"), [&](const QString& v) { options.hangWithOpengl = v; }},
     };
     const std::map<QString, std::function<void()>> flags{
         {QStringLiteral("--place-on-timeline"), [&] { options.placeOnTimeline = true; }},
@@ -75,6 +83,11 @@ QString HostOptions::usage()
         "                             --find-missing, the same for a project opened with missing\n"
         "                             media, its result taken when the search ends\n"
         "  --show-file <path>         reveal the file in the file manager once ready\n"
+        "  --request-opengl <kind>    switch to software or hardware OpenGL as View > Display does\n"
+        "  --request-opengl-silently <kind>  the same without asking (restarts at once)\n"
+        "  --inhibit-ms <n>           keep the desktop awake for n ms once ready, then release\n"
+        "  --crash-with-opengl <kind> abort before ready when rendering with that OpenGL (tests)\n"
+        "  --hang-with-opengl <kind>  hang before ready when rendering with that OpenGL (tests)\n"
         "  -h, --help                 print this help and exit\n"
         "  -v, --version              print the version and exit\n");
 }

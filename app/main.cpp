@@ -3,11 +3,13 @@
 
 #include "CaptureTools.h"
 #include "DialogGallery.h"
+#include "DisplayMenu.h"
 #include "HostOptions.h"
 #include "HostServices.h"
 #include "ImportMenu.h"
 #include "MainWindow.h"
 #include "MediaBin.h"
+#include "PowerSaving.h"
 #include "ProjectController.h"
 #include "SecondLaunch.h"
 #include "ThumbnailExport.h"
@@ -18,6 +20,7 @@
 #include <IPCController.h>
 
 #include <App/ILinksManager.h>
+#include <App/OpenglSwitchHelper.h>
 #include <App/ServiceRegistry.h>
 #include <Launcher/Launcher.h>
 #include <Log/Logging.h>
@@ -35,6 +38,9 @@
 #include <glog/logging.h>
 
 #include <cstdio>
+#include <chrono>
+#include <cstdlib>
+#include <thread>
 #include <unistd.h>
 
 namespace {
@@ -81,6 +87,41 @@ long residentKilobytes()
     return fields.size() > 1 ? fields.at(1).toLong() * (sysconf(_SC_PAGESIZE) / 1024) : -1;
 }
 
+// A driver that fails with one OpenGL implementation, for scripts that exercise the
+// switch's crash guard: --crash-with-opengl aborts, --hang-with-opengl stops responding.
+void failAsAsked(const HostOptions& options)
+{
+    const QString current = Tavrin::App::OpenglSwitchHelper::name(Tavrin::App::OpenglSwitchHelper::currentImplementation());
+    if (options.crashWithOpengl == current) {
+        LOG(ERROR) << "opengl: aborting with " << current.toStdString() << " as asked";
+        google::FlushLogFiles(google::GLOG_INFO);
+        std::abort();
+    }
+    if (options.hangWithOpengl == current) {
+        LOG(ERROR) << "opengl: hanging with " << current.toStdString() << " as asked";
+        google::FlushLogFiles(google::GLOG_INFO);
+        for (;;)
+            std::this_thread::sleep_for(std::chrono::seconds(1));
+    }
+}
+
+// A restart repeats the session, not its one-shot requests.
+QStringList withoutOneShotOptions(const QStringList& arguments)
+{
+    const QStringList oneShot{QStringLiteral("--request-opengl"), QStringLiteral("--request-opengl-silently")};
+    QStringList kept;
+    for (int i = 0; i < arguments.size(); ++i) {
+        const QString name = arguments.at(i).section(QLatin1Char('='), 0, 0);
+        if (i > 0 && oneShot.contains(name)) {
+            if (!arguments.at(i).contains(QLatin1Char('=')))
+                ++i;
+            continue;
+        }
+        kept << arguments.at(i);
+    }
+    return kept;
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -88,6 +129,8 @@ int main(int argc, char** argv)
     QStringList arguments;
     for (int i = 0; i < argc; ++i)
         arguments << QString::fromLocal8Bit(argv[i]);
+    // A restart repeats the host options too (they are taken out of `arguments` below).
+    Tavrin::App::OpenglSwitchHelper::setRestartArguments(withoutOneShotOptions(arguments));
     const HostOptions options = HostOptions::take(arguments);
     if (options.help || options.version) {
         const QString text = options.help ? HostOptions::usage() : QStringLiteral("klipvane " KLIPVANE_VERSION "\n");
@@ -113,14 +156,20 @@ int main(int argc, char** argv)
     // Decided before any application object: a launch that only hands its files to the
     // running editor must not pay for widgets. The gallery is a tool, not an editor.
     SecondLaunch launch;
-    if (options.dialogGalleryDir.isEmpty())
+    if (options.dialogGalleryDir.isEmpty()) {
+        // A restarted editor lets the old one end first, or it would hand its files to it.
+        Tavrin::App::OpenglSwitchHelper::waitForPredecessor();
         launch = SecondLaunch::decide(arguments);
+    }
     else
         DialogGallery::prepareEnvironment();
     if (launch.exitCode != SecondLaunch::HandedOver)
         Tavrin::Log::startFile(); // the editor's log, or the story of a launch that failed
     if (launch.exitCode)
         return *launch.exitCode;
+    // Read before the application object exists: Qt decides its OpenGL when it is created.
+    if (options.dialogGalleryDir.isEmpty())
+        LOG(INFO) << "opengl: " << Tavrin::App::OpenglSwitchHelper::name(Tavrin::App::OpenglSwitchHelper::applyAtStartup()).toStdString();
 
     QApplication application(argc, argv);
     QApplication::setOrganizationName(QStringLiteral("Klipvane"));
@@ -130,6 +179,7 @@ int main(int argc, char** argv)
     if (!options.dialogGalleryDir.isEmpty())
         return DialogGallery::render(options.dialogGalleryDir);
     registerActionGateway();
+    failAsAsked(options);
 
     // Created first: it reads the mode and the files of this launch and holds them until
     // the window announces itself ready.
@@ -165,12 +215,23 @@ int main(int argc, char** argv)
     // The project: timeline panel, File and Edit menus, project files from the command line.
     ProjectController project(&window, &mediaBin);
     ImportMenu::install(window); // into the project's File menu
+    DisplayMenu::install(window, project);
+    // Playback keeps the desktop awake through this object (setPlaybackRunning).
+    PowerSaving powerSaving;
     // Without a list, the search folder is for the projects the command line opens.
     if (options.findMissingList.isEmpty() && !options.searchFolder.isEmpty())
         project.setRelinkFolder(options.searchFolder);
 
     window.show();
     PubSub::publish(Command::ReadyNotification());
+    // After the first paint: a start with a new OpenGL implementation got this far.
+    QTimer::singleShot(0, &window, [&options, &project, &powerSaving] {
+        DisplayMenu::ready();
+        if (!options.requestOpengl.isEmpty())
+            DisplayMenu::request(options.requestOpengl, project, options.requestOpenglSilently);
+        if (options.inhibitMs >= 0)
+            powerSaving.suppressFor(options.inhibitMs);
+    });
     const QStringList namedFiles = project.takeNamedFiles();
     const bool portable = !options.savePortablePath.isEmpty();
     const QString savePath = portable ? options.savePortablePath : options.saveProjectPath;
