@@ -6,7 +6,10 @@
 #include <Dialog/DialogStrategy.h>
 #include <OpenglHelper.h>
 
+#include <App/IInternetConnectionChecker.h>
 #include <App/OpenglSwitchHelper.h>
+#include <App/ServiceRegistry.h>
+#include <App/StatisticsTracker.h>
 
 #include <QActionGroup>
 #include <QCoreApplication>
@@ -59,6 +62,13 @@ QMenu* viewMenu(MainWindow& window)
 
 QMenu* install(MainWindow& window, ProjectController& project)
 {
+    // What a switch takes from the registry.
+    auto& registry = Tavrin::App::ServiceRegistry::instance();
+    if (!registry.get<Tavrin::App::IInternetConnectionChecker>())
+        registry.set<Tavrin::App::IInternetConnectionChecker>(std::make_shared<Tavrin::App::InternetConnectionChecker>());
+    if (!registry.get<Tavrin::App::IStatisticsTrackerFactory>())
+        registry.set<Tavrin::App::IStatisticsTrackerFactory>(std::make_shared<Tavrin::App::LoggingStatisticsTrackerFactory>());
+
     QMenu* display = viewMenu(window)->addMenu(tr("&Display"));
     display->setObjectName(QStringLiteral("displayMenu"));
     auto* group = new QActionGroup(display);

@@ -11,6 +11,7 @@
 
 #include <QCoreApplication>
 #include <QString>
+#include <QWidget>
 
 #include <boost/any.hpp>
 #include <glog/logging.h>

@@ -43,7 +43,7 @@ bool waitForLogs(const QTemporaryDir& home, const QList<QByteArray>& texts, int 
 
 QString recordedImplementation(const QTemporaryDir& home)
 {
-    QSettings settings(home.filePath(QStringLiteral("config/Klipvane/klipvane.ini")), QSettings::IniFormat);
+    QSettings settings(home.filePath(QStringLiteral("config/klipvane.ini")), QSettings::IniFormat);
     return settings.value(QStringLiteral("OpenGL/Implementation")).toString();
 }
 
@@ -188,7 +188,7 @@ private slots:
         QCOMPARE(host.exitCode(), 0);
         QCOMPARE(KvTest::logged(host.log(), QStringLiteral("power: ")), hostLines);
         QStringList seen;
-        while (m_services.canReadLine() || m_services.waitForReadyRead(serviceLines.size() > seen.size() ? 5000 : 0)) {
+        while (bus && m_services.canReadLine() || m_services.waitForReadyRead(serviceLines.size() > seen.size() ? 5000 : 0)) {
             while (m_services.canReadLine())
                 seen << QString::fromUtf8(m_services.readLine().trimmed());
         }

@@ -240,13 +240,13 @@ void DBusPowerManager::tryNextService()
     m_candidates.pop_front();
     m_stage = Stage::Inhibiting;
     auto* call = send(inhibitMessage(service));
+    m_inhibitCall = call;
+    m_service = service;
     connect(call, &QDBusPendingCallWatcher::finished, this, [this, call, service] { inhibited(call, service); });
 }
 
-void DBusPowerManager::inhibited(QDBusPendingCallWatcher* call, Service service)
+bool DBusPowerManager::takeInhibition(const QDBusMessage& reply, Service service)
 {
-    const QDBusMessage reply = call->reply();
-    forget(call);
     bool held = false;
     if (reply.type() == QDBusMessage::ReplyMessage && !reply.arguments().isEmpty()) {
         const QVariant answer = reply.arguments().constFirst();
@@ -258,8 +258,16 @@ void DBusPowerManager::inhibited(QDBusPendingCallWatcher* call, Service service)
             held = true;
         }
     }
-    if (!held) {
-        LOG(WARNING) << "power: " << serviceName(service).toStdString() << " did not inhibit: "
+    return held;
+}
+
+void DBusPowerManager::inhibited(QDBusPendingCallWatcher* call, Service service)
+{
+    const QDBusMessage reply = call->reply();
+    m_inhibitCall = nullptr;
+    forget(call);
+    if (!takeInhibition(reply, service)) {
+        LOG(WARNING) << "power service " << serviceName(service).toStdString() << " did not inhibit: "
                      << (reply.type() == QDBusMessage::ErrorMessage ? reply.errorMessage().toStdString()
                                                                     : std::string("unexpected answer"));
         tryNextService();
@@ -306,7 +314,7 @@ void DBusPowerManager::release()
     auto* call = send(releaseMessage());
     connect(call, &QDBusPendingCallWatcher::finished, this, [this, call] {
         if (call->isError())
-            LOG(WARNING) << "power: release failed: " << call->error().message().toStdString();
+            LOG(WARNING) << "power service " << serviceName(m_service).toStdString() << " did not release: " << call->error().message().toStdString();
         forget(call);
         m_stage = Stage::Idle;
         LOG(INFO) << "power: released";
@@ -316,10 +324,18 @@ void DBusPowerManager::release()
 
 void DBusPowerManager::releaseNow()
 {
+    // An answer on its way may carry a cookie; waiting for it (bounded by the call's
+    // timeout) is the only way to give it back.
+    if (m_stage == Stage::Inhibiting && m_inhibitCall) {
+        m_inhibitCall->waitForFinished();
+        if (takeInhibition(m_inhibitCall->reply(), m_service))
+            m_stage = Stage::Inhibited;
+    }
+    m_inhibitCall = nullptr;
     if (m_stage == Stage::Inhibited) {
         const QDBusMessage answer = QDBusConnection::sessionBus().call(releaseMessage(), QDBus::Block, kExitReleaseTimeoutMs);
         if (answer.type() == QDBusMessage::ErrorMessage)
-            LOG(WARNING) << "power: release failed: " << answer.errorMessage().toStdString();
+            LOG(WARNING) << "power service " << serviceName(m_service).toStdString() << " did not release: " << answer.errorMessage().toStdString();
         LOG(INFO) << "power: released";
     }
     m_stage = Stage::Idle;

@@ -53,6 +53,8 @@ private:
     void probed();
     void tryNextService();
     void inhibited(QDBusPendingCallWatcher* call, Service service);
+    // Takes the cookie or request handle of an Inhibit reply; false when it holds none.
+    bool takeInhibition(const QDBusMessage& reply, Service service);
     void release();
     // Synchronous, bounded: for the end of the process, when no event loop will run again.
     void releaseNow();
@@ -72,6 +74,7 @@ private:
     uint m_cookie = 0;
     QDBusObjectPath m_request;
     std::vector<QDBusPendingCallWatcher*> m_calls;
+    QDBusPendingCallWatcher* m_inhibitCall = nullptr; // the Inhibit call that is out, if any
 };
 
 } // namespace App

@@ -128,10 +128,9 @@ private slots:
         QApplication::sendEvent(receiver, &deactivate);
         auto* dispatcher = QAbstractEventDispatcher::instance();
         QCOMPARE(!dispatcher->registeredTimers(&keeper).isEmpty(), timer);
-        if (timer) {
-            QCOMPARE(dispatcher->registeredTimers(&keeper).constFirst().timerType, Qt::CoarseTimer);
+        // (The dispatcher makes a coarse timer this short a precise one; only the interval stays.)
+        if (timer)
             QCOMPARE(dispatcher->registeredTimers(&keeper).constFirst().interval, 0);
-        }
         QVERIFY(QTest::qWaitFor([&] { return dispatcher->registeredTimers(&keeper).isEmpty(); }, 5000));
         if (QGuiApplication::applicationState() != Qt::ApplicationActive)
             QVERIFY(!dialog.isActiveWindow());
