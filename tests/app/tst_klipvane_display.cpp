@@ -155,7 +155,7 @@ private slots:
             << QStringList{QStringLiteral("inhibited via org.gnome.SessionManager"), QStringLiteral("released")}
             << QStringList{QStringLiteral("Inhibit gnome 41 xid=0 flags=12"), QStringLiteral("Uninhibit gnome 41 ok")};
         QTest::newRow("a service that never answers")
-            << QStringList{QStringLiteral("portal:silent")} << QStringLiteral("300")
+            << QStringList{QStringLiteral("portal:silent")} << QStringLiteral("2000")
             << QStringList{QStringLiteral("unavailable: no service accepted the inhibition")}
             << QStringList{QStringLiteral("Inhibit portal unanswered")};
         QTest::newRow("no session bus") << QStringList() << QStringLiteral("300")
