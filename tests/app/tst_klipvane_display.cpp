@@ -4,6 +4,7 @@
 // started here) whose inhibition services a helper process plays.
 
 #include "HostProcess.h"
+#include "PrivateSessionBus.h"
 #include "TestSandbox.h"
 
 #include <QDir>
@@ -56,27 +57,21 @@ class TestKlipvaneDisplay : public QObject
 private slots:
     void initTestCase()
     {
-        if (QStandardPaths::findExecutable(QStringLiteral("dbus-daemon")).isEmpty())
+        if (!KvTest::PrivateSessionBus::available())
             QSKIP("dbus-daemon is not installed");
-        m_daemon.start(QStringLiteral("dbus-daemon"), {QStringLiteral("--session"), QStringLiteral("--nofork"),
-                                                      QStringLiteral("--nopidfile"), QStringLiteral("--print-address=1")});
-        QVERIFY(m_daemon.waitForStarted(5000));
-        QVERIFY(QTest::qWaitFor([this] { return m_daemon.canReadLine(); }, 5000));
-        m_address = QString::fromUtf8(m_daemon.readLine().trimmed());
-        QVERIFY(!m_address.isEmpty());
+        QVERIFY(m_bus.start());
+        m_address = QString::fromUtf8(m_bus.address());
     }
 
     void cleanup()
     {
-        stop(m_services);
+        KvTest::stopProcess(m_services);
         // Editors started by the hosts of a test (restarts) end on their own; one still
         // running after its test is ended here, by the id it logged.
         for (qint64 pid : m_successors)
             ::kill(pid_t(pid), SIGKILL);
         m_successors.clear();
     }
-
-    void cleanupTestCase() { stop(m_daemon); }
 
     void aSwitchRestartsIntoTheNewImplementation()
     {
@@ -188,7 +183,7 @@ private slots:
         QCOMPARE(host.exitCode(), 0);
         QCOMPARE(KvTest::logged(host.log(), QStringLiteral("power: ")), hostLines);
         QStringList seen;
-        while (bus && m_services.canReadLine() || m_services.waitForReadyRead(serviceLines.size() > seen.size() ? 5000 : 0)) {
+        while (bus && (m_services.canReadLine() || m_services.waitForReadyRead(serviceLines.size() > seen.size() ? 5000 : 0))) {
             while (m_services.canReadLine())
                 seen << QString::fromUtf8(m_services.readLine().trimmed());
         }
@@ -202,15 +197,7 @@ private:
             m_successors << pid.toLongLong();
     }
 
-    static void stop(QProcess& process)
-    {
-        if (process.state() == QProcess::NotRunning)
-            return;
-        process.kill(); // our own child, by its id
-        process.waitForFinished(5000);
-    }
-
-    QProcess m_daemon;
+    KvTest::PrivateSessionBus m_bus;
     QProcess m_services;
     QString m_address;
     QList<qint64> m_successors;

@@ -3,6 +3,7 @@
 #include <QProcess>
 #include <QtTest>
 
+#include "PrivateSessionBus.h"
 #include "TestSandbox.h"
 
 // The default power manager against a private session bus (a dbus-daemon started here) and
@@ -15,23 +16,16 @@ class TestDBusPowerManager : public QObject
 private slots:
     void initTestCase()
     {
-        if (QStandardPaths::findExecutable(QStringLiteral("dbus-daemon")).isEmpty())
+        if (!KvTest::PrivateSessionBus::available())
             QSKIP("dbus-daemon is not installed");
-        m_daemon.start(QStringLiteral("dbus-daemon"), {QStringLiteral("--session"), QStringLiteral("--nofork"),
-                                                      QStringLiteral("--nopidfile"), QStringLiteral("--print-address=1")});
-        QVERIFY(m_daemon.waitForStarted(5000));
-        QVERIFY(QTest::qWaitFor([this] { return m_daemon.canReadLine(); }, 5000));
-        const QByteArray address = m_daemon.readLine().trimmed();
-        QVERIFY(!address.isEmpty());
+        QVERIFY(m_bus.start());
         // Before the first use of the session bus in this process, and for the helper.
-        qputenv("DBUS_SESSION_BUS_ADDRESS", address);
+        qputenv("DBUS_SESSION_BUS_ADDRESS", m_bus.address());
         // A service that never answers is given up quickly.
         qputenv("KLIPVANE_POWER_DBUS_TIMEOUT_MS", "300");
     }
 
-    void cleanupTestCase() { stop(m_daemon); }
-
-    void cleanup() { stop(m_services); }
+    void cleanup() { KvTest::stopProcess(m_services); }
 
     void inhibitsAndReleases_data()
     {
@@ -141,7 +135,7 @@ private slots:
 private:
     void startServices(const QStringList& services)
     {
-        stop(m_services);
+        KvTest::stopProcess(m_services);
         m_lines.clear();
         m_services.setProgram(QString::fromLocal8Bit(qgetenv("KLIPVANE_TEST_BIN_DIR")) + QStringLiteral("/kv_inhibitservices"));
         m_services.setArguments(services);
@@ -179,15 +173,7 @@ private:
         manager.reset();
     }
 
-    static void stop(QProcess& process)
-    {
-        if (process.state() == QProcess::NotRunning)
-            return;
-        process.kill(); // our own child, by its id
-        process.waitForFinished(5000);
-    }
-
-    QProcess m_daemon;
+    KvTest::PrivateSessionBus m_bus;
     QProcess m_services;
     QStringList m_lines;
 };
