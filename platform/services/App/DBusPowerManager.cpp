@@ -52,39 +52,48 @@ QString applicationId()
     return name.isEmpty() ? QStringLiteral("Klipvane") : name;
 }
 
-QDBusMessage inhibitMessage(DBusPowerManager::Service service)
+// Where each service listens, and how its release is spelled (they differ).
+struct Endpoint
+{
+    QString bus;
+    QString path;
+    QString interface;
+    QString release;
+};
+
+Endpoint endpointOf(DBusPowerManager::Service service)
 {
     using Service = DBusPowerManager::Service;
     switch (service) {
-    case Service::SessionManager: {
-        auto message = QDBusMessage::createMethodCall(DBusPowerManager::serviceName(service), QStringLiteral("/org/gnome/SessionManager"),
-                                                      QStringLiteral("org.gnome.SessionManager"), QStringLiteral("Inhibit"));
-        // No toplevel window id: the inhibition is the application's, not a window's.
+    case Service::SessionManager:
+        return {QStringLiteral("org.gnome.SessionManager"), QStringLiteral("/org/gnome/SessionManager"),
+                QStringLiteral("org.gnome.SessionManager"), QStringLiteral("Uninhibit")};
+    case Service::Portal:
+        // Released by closing the request object the call returns.
+        return {kPortalService, QStringLiteral("/org/freedesktop/portal/desktop"), QStringLiteral("org.freedesktop.portal.Inhibit"),
+                QStringLiteral("Close")};
+    case Service::ScreenSaver:
+        return {QStringLiteral("org.freedesktop.ScreenSaver"), QStringLiteral("/org/freedesktop/ScreenSaver"),
+                QStringLiteral("org.freedesktop.ScreenSaver"), QStringLiteral("UnInhibit")};
+    case Service::PowerManagement:
+        break;
+    }
+    return {QStringLiteral("org.freedesktop.PowerManagement.Inhibit"), QStringLiteral("/org/freedesktop/PowerManagement/Inhibit"),
+            QStringLiteral("org.freedesktop.PowerManagement.Inhibit"), QStringLiteral("UnInhibit")};
+}
+
+QDBusMessage inhibitMessage(DBusPowerManager::Service service)
+{
+    using Service = DBusPowerManager::Service;
+    const Endpoint endpoint = endpointOf(service);
+    auto message = QDBusMessage::createMethodCall(endpoint.bus, endpoint.path, endpoint.interface, QStringLiteral("Inhibit"));
+    if (service == Service::SessionManager) // no toplevel window id: the application's inhibition
         message << applicationId() << uint(0) << reason() << uint(kInhibitSuspend | kInhibitIdle);
-        return message;
-    }
-    case Service::Portal: {
-        auto message = QDBusMessage::createMethodCall(kPortalService, QStringLiteral("/org/freedesktop/portal/desktop"),
-                                                      QStringLiteral("org.freedesktop.portal.Inhibit"), QStringLiteral("Inhibit"));
-        message << QString() << uint(kInhibitSuspend | kInhibitIdle)
-                << QVariantMap{{QStringLiteral("reason"), reason()}};
-        return message;
-    }
-    case Service::ScreenSaver: {
-        auto message = QDBusMessage::createMethodCall(DBusPowerManager::serviceName(service), QStringLiteral("/org/freedesktop/ScreenSaver"),
-                                                      QStringLiteral("org.freedesktop.ScreenSaver"), QStringLiteral("Inhibit"));
+    else if (service == Service::Portal)
+        message << QString() << uint(kInhibitSuspend | kInhibitIdle) << QVariantMap{{QStringLiteral("reason"), reason()}};
+    else
         message << applicationId() << reason();
-        return message;
-    }
-    case Service::PowerManagement: {
-        auto message = QDBusMessage::createMethodCall(DBusPowerManager::serviceName(service),
-                                                      QStringLiteral("/org/freedesktop/PowerManagement/Inhibit"),
-                                                      QStringLiteral("org.freedesktop.PowerManagement.Inhibit"), QStringLiteral("Inhibit"));
-        message << applicationId() << reason();
-        return message;
-    }
-    }
-    return {};
+    return message;
 }
 
 } // namespace
@@ -123,17 +132,7 @@ DBusPowerManager::~DBusPowerManager()
 
 QString DBusPowerManager::serviceName(Service service)
 {
-    switch (service) {
-    case Service::SessionManager:
-        return QStringLiteral("org.gnome.SessionManager");
-    case Service::Portal:
-        return QStringLiteral("org.freedesktop.portal.Inhibit");
-    case Service::ScreenSaver:
-        return QStringLiteral("org.freedesktop.ScreenSaver");
-    case Service::PowerManagement:
-        return QStringLiteral("org.freedesktop.PowerManagement.Inhibit");
-    }
-    return {};
+    return endpointOf(service).interface;
 }
 
 void DBusPowerManager::SuppressPowerSaving()
@@ -211,8 +210,7 @@ void DBusPowerManager::probed()
 {
     m_candidates.clear();
     for (Service service : {Service::SessionManager, Service::Portal, Service::ScreenSaver, Service::PowerManagement}) {
-        const QString name = service == Service::Portal ? kPortalService : serviceName(service);
-        if (m_names.contains(name))
+        if (m_names.contains(endpointOf(service).bus))
             m_candidates.push_back(service);
     }
     m_stage = Stage::Idle;
@@ -281,31 +279,12 @@ void DBusPowerManager::inhibited(QDBusPendingCallWatcher* call, Service service)
 
 QDBusMessage DBusPowerManager::releaseMessage() const
 {
-    switch (m_service) {
-    case Service::SessionManager: {
-        auto message = QDBusMessage::createMethodCall(serviceName(m_service), QStringLiteral("/org/gnome/SessionManager"),
-                                                      QStringLiteral("org.gnome.SessionManager"), QStringLiteral("Uninhibit"));
-        message << m_cookie;
-        return message;
-    }
-    case Service::Portal:
-        return QDBusMessage::createMethodCall(kPortalService, m_request.path(), QStringLiteral("org.freedesktop.portal.Request"),
-                                              QStringLiteral("Close"));
-    case Service::ScreenSaver: {
-        auto message = QDBusMessage::createMethodCall(serviceName(m_service), QStringLiteral("/org/freedesktop/ScreenSaver"),
-                                                      QStringLiteral("org.freedesktop.ScreenSaver"), QStringLiteral("UnInhibit"));
-        message << m_cookie;
-        return message;
-    }
-    case Service::PowerManagement: {
-        auto message = QDBusMessage::createMethodCall(serviceName(m_service), QStringLiteral("/org/freedesktop/PowerManagement/Inhibit"),
-                                                      QStringLiteral("org.freedesktop.PowerManagement.Inhibit"),
-                                                      QStringLiteral("UnInhibit"));
-        message << m_cookie;
-        return message;
-    }
-    }
-    return {};
+    const Endpoint endpoint = endpointOf(m_service);
+    if (m_service == Service::Portal)
+        return QDBusMessage::createMethodCall(endpoint.bus, m_request.path(), QStringLiteral("org.freedesktop.portal.Request"), endpoint.release);
+    auto message = QDBusMessage::createMethodCall(endpoint.bus, endpoint.path, endpoint.interface, endpoint.release);
+    message << m_cookie;
+    return message;
 }
 
 void DBusPowerManager::release()
