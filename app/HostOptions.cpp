@@ -20,6 +20,14 @@ HostOptions HostOptions::take(QStringList& arguments)
         {QStringLiteral("--thumbnails-to"), [&](const QString& v) { options.thumbnailsDir = v; }},
         {QStringLiteral("--thumbnail-size"), [&](const QString& v) { options.thumbnailSize = v.toInt(); }},
         {QStringLiteral("--log-stalls"), [&](const QString& v) { options.logStallsMs = v.toInt(); }},
+        {QStringLiteral("--request-opengl"), [&](const QString& v) { options.requestOpengl = v; }},
+        {QStringLiteral("--request-opengl-silently"), [&](const QString& v) {
+             options.requestOpengl = v;
+             options.requestOpenglSilently = true;
+         }},
+        {QStringLiteral("--inhibit-ms"), [&](const QString& v) { options.inhibitMs = v.toInt(); }},
+        {QStringLiteral("--crash-with-opengl"), [&](const QString& v) { options.crashWithOpengl = v; }},
+        {QStringLiteral("--hang-with-opengl"), [&](const QString& v) { options.hangWithOpengl = v; }},
     };
     const std::map<QString, std::function<void()>> flags{
         {QStringLiteral("--place-on-timeline"), [&] { options.placeOnTimeline = true; }},
@@ -77,6 +85,11 @@ QString HostOptions::usage()
         "                             media, its result taken when the search ends\n"
         "  --show-file <path>         reveal the file in the file manager once ready\n"
         "  --log-stalls <ms>          log each time the window stops responding for longer than that\n"
+        "  --request-opengl <kind>    switch to software or hardware OpenGL as View > Display does\n"
+        "  --request-opengl-silently <kind>  the same without asking (restarts at once)\n"
+        "  --inhibit-ms <n>           keep the desktop awake for n ms once ready, then release\n"
+        "  --crash-with-opengl <kind> abort before ready when rendering with that OpenGL (tests)\n"
+        "  --hang-with-opengl <kind>  hang before ready when rendering with that OpenGL (tests)\n"
         "  -h, --help                 print this help and exit\n"
         "  -v, --version              print the version and exit\n");
 }

@@ -23,6 +23,11 @@ struct HostOptions
     QString savePortablePath;   // --save-portable <file.kvproj>: ...or a portable project (media copied beside it)
     QString saveProjectPath;    // --save-project <file.kvproj>: then save the project there and quit
     int logStallsMs = -1;       // --log-stalls <ms>: log each stall of the GUI thread longer than that
+    QString requestOpengl;      // --request-opengl software|hardware: switch as View > Display does (asks)
+    bool requestOpenglSilently = false; // --request-opengl-silently <kind>: the same without questions
+    int inhibitMs = -1;         // --inhibit-ms <n>: suppress power saving for n ms once ready, then release
+    QString crashWithOpengl;    // --crash-with-opengl <kind>: abort before ready when rendering with it
+    QString hangWithOpengl;     // --hang-with-opengl <kind>: stop responding before ready when rendering with it
 
     // Removes the host options from `arguments` (element 0 is the program) and returns them.
     static HostOptions take(QStringList& arguments);

@@ -8,6 +8,7 @@
 #include "HostOptions.h"
 #include "SecondLaunch.h"
 
+#include <App/Predecessor.h>
 #include <App/ProductKey.h>
 #include <Log/Logging.h>
 
@@ -33,6 +34,8 @@ int main(int argc, char** argv)
     if (options.thumbnailsDir.isEmpty()) {
         if (options.dialogGalleryDir.isEmpty()) {
             // Of the product description, a hand-off needs the key alone.
+            // A restarted editor lets the old one end first, or it would hand its files to it.
+            Tavrin::App::waitForPredecessor();
             const QString productFile = EditorModule::executableDirectory(argv[0]) + QStringLiteral("/product.json");
             launch = SecondLaunch::decide(arguments, Tavrin::App::readSingleInstanceKey(productFile));
         }

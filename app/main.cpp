@@ -3,12 +3,14 @@
 
 #include "CaptureTools.h"
 #include "DialogGallery.h"
+#include "DisplayMenu.h"
 #include "EditorModule.h"
 #include "HostOptions.h"
 #include "HostServices.h"
 #include "ImportMenu.h"
 #include "MainWindow.h"
 #include "MediaBin.h"
+#include "PowerSaving.h"
 #include "ProjectController.h"
 #include "SecondLaunch.h"
 #include "StallWatch.h"
@@ -20,6 +22,7 @@
 #include <IPCController.h>
 
 #include <App/ILinksManager.h>
+#include <App/OpenglSwitchHelper.h>
 #include <App/ServiceRegistry.h>
 #include <Launcher/Launcher.h>
 #include <Log/Logging.h>
@@ -38,7 +41,10 @@
 #include <glog/logging.h>
 
 #include <cstdio>
+#include <chrono>
+#include <cstdlib>
 #include <memory>
+#include <thread>
 #include <unistd.h>
 
 namespace {
@@ -76,6 +82,41 @@ long residentKilobytes()
     return fields.size() > 1 ? fields.at(1).toLong() * (sysconf(_SC_PAGESIZE) / 1024) : -1;
 }
 
+// A driver that fails with one OpenGL implementation, for scripts that exercise the
+// switch's crash guard: --crash-with-opengl aborts, --hang-with-opengl stops responding.
+void failAsAsked(const HostOptions& options)
+{
+    const QString current = Tavrin::App::OpenglSwitchHelper::name(Tavrin::App::OpenglSwitchHelper::currentImplementation());
+    if (options.crashWithOpengl == current) {
+        LOG(ERROR) << "opengl: aborting with " << current.toStdString() << " as asked";
+        google::FlushLogFiles(google::GLOG_INFO);
+        std::abort();
+    }
+    if (options.hangWithOpengl == current) {
+        LOG(ERROR) << "opengl: hanging with " << current.toStdString() << " as asked";
+        google::FlushLogFiles(google::GLOG_INFO);
+        for (;;)
+            std::this_thread::sleep_for(std::chrono::seconds(1));
+    }
+}
+
+// A restart repeats the session, not its one-shot requests.
+QStringList withoutOneShotOptions(const QStringList& arguments)
+{
+    const QStringList oneShot{QStringLiteral("--request-opengl"), QStringLiteral("--request-opengl-silently")};
+    QStringList kept;
+    for (int i = 0; i < arguments.size(); ++i) {
+        const QString name = arguments.at(i).section(QLatin1Char('='), 0, 0);
+        if (i > 0 && oneShot.contains(name)) {
+            if (!arguments.at(i).contains(QLatin1Char('=')))
+                ++i;
+            continue;
+        }
+        kept << arguments.at(i);
+    }
+    return kept;
+}
+
 } // namespace
 
 // The editor's main(), run by the klipvane launcher (LauncherMain.cpp) in its own process
@@ -87,6 +128,8 @@ extern "C" Q_DECL_EXPORT int klipvaneEditorMain(int argc, char** argv)
     QStringList arguments;
     for (int i = 0; i < argc; ++i)
         arguments << QString::fromLocal8Bit(argv[i]);
+    // A restart repeats the host options too (they are taken out of `arguments` below).
+    Tavrin::App::OpenglSwitchHelper::setRestartArguments(withoutOneShotOptions(arguments));
     const HostOptions options = HostOptions::take(arguments);
     Launcher::instance().setArguments(arguments);
     HostServices::registerProduct(EditorModule::executableDirectory(argv[0]), options.locale);
@@ -102,6 +145,9 @@ extern "C" Q_DECL_EXPORT int klipvaneEditorMain(int argc, char** argv)
     }
     if (!options.dialogGalleryDir.isEmpty())
         DialogGallery::prepareEnvironment();
+    // Read before the application object exists: Qt decides its OpenGL when it is created.
+    else
+        LOG(INFO) << "opengl: " << Tavrin::App::OpenglSwitchHelper::name(Tavrin::App::OpenglSwitchHelper::applyAtStartup()).toStdString();
 
     QApplication application(argc, argv);
     QApplication::setOrganizationName(QStringLiteral("Klipvane"));
@@ -111,6 +157,7 @@ extern "C" Q_DECL_EXPORT int klipvaneEditorMain(int argc, char** argv)
     if (!options.dialogGalleryDir.isEmpty())
         return DialogGallery::render(options.dialogGalleryDir);
     registerActionGateway();
+    failAsAsked(options);
 
     // Created first: it reads the mode and the files of this launch and holds them until
     // the window announces itself ready.
@@ -146,12 +193,23 @@ extern "C" Q_DECL_EXPORT int klipvaneEditorMain(int argc, char** argv)
     // The project: timeline panel, File and Edit menus, project files from the command line.
     ProjectController project(&window, &mediaBin);
     ImportMenu::install(window); // into the project's File menu
+    DisplayMenu::install(window, project);
+    // Playback keeps the desktop awake through this object (setPlaybackRunning).
+    PowerSaving powerSaving;
     // Without a list, the search folder is for the projects the command line opens.
     if (options.findMissingList.isEmpty() && !options.searchFolder.isEmpty())
         project.setRelinkFolder(options.searchFolder);
 
     window.show();
     PubSub::publish(Command::ReadyNotification());
+    // After the first paint: a start with a new OpenGL implementation got this far.
+    QTimer::singleShot(0, &window, [&options, &project, &powerSaving] {
+        DisplayMenu::ready();
+        if (!options.requestOpengl.isEmpty())
+            DisplayMenu::request(options.requestOpengl, project, options.requestOpenglSilently);
+        if (options.inhibitMs >= 0)
+            powerSaving.suppressFor(options.inhibitMs);
+    });
     const QStringList namedFiles = project.takeNamedFiles();
     const bool portable = !options.savePortablePath.isEmpty();
     const QString savePath = portable ? options.savePortablePath : options.saveProjectPath;

@@ -5,6 +5,7 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include "PrivateSessionBus.h"
 #include "TestSandbox.h"
 
 // ExploreSingleFile against a private session bus (a dbus-daemon started here): with a
@@ -21,16 +22,11 @@ public slots:
 private slots:
     void initTestCase()
     {
-        if (QStandardPaths::findExecutable(QStringLiteral("dbus-daemon")).isEmpty())
+        if (!KvTest::PrivateSessionBus::available())
             QSKIP("dbus-daemon is not installed");
-        m_daemon.start(QStringLiteral("dbus-daemon"), {QStringLiteral("--session"), QStringLiteral("--nofork"),
-                                                      QStringLiteral("--nopidfile"), QStringLiteral("--print-address=1")});
-        QVERIFY(m_daemon.waitForStarted(5000));
-        QVERIFY(QTest::qWaitFor([this] { return m_daemon.canReadLine(); }, 5000));
-        const QByteArray address = m_daemon.readLine().trimmed();
-        QVERIFY(!address.isEmpty());
+        QVERIFY(m_bus.start());
         // Before the first use of the session bus in this process, and for the helper.
-        qputenv("DBUS_SESSION_BUS_ADDRESS", address);
+        qputenv("DBUS_SESSION_BUS_ADDRESS", m_bus.address());
         QDesktopServices::setUrlHandler(QStringLiteral("file"), this, "openUrl");
         QFile file(m_dir.filePath(QStringLiteral("clip one.mp4")));
         QVERIFY(file.open(QIODevice::WriteOnly));
@@ -39,8 +35,8 @@ private slots:
     void cleanupTestCase()
     {
         QDesktopServices::unsetUrlHandler(QStringLiteral("file"));
-        stop(m_manager);
-        stop(m_daemon);
+        KvTest::stopProcess(m_manager);
+        m_bus.stop();
     }
 
     void withoutAFileManagerTheFolderOpens()
@@ -69,16 +65,8 @@ private slots:
     }
 
 private:
-    static void stop(QProcess& process)
-    {
-        if (process.state() == QProcess::NotRunning)
-            return;
-        process.kill(); // our own child, by its id
-        process.waitForFinished(5000);
-    }
-
     QTemporaryDir m_dir;
-    QProcess m_daemon;
+    KvTest::PrivateSessionBus m_bus;
     QProcess m_manager;
     QList<QUrl> m_opened;
 };
