@@ -19,6 +19,8 @@ HostOptions HostOptions::take(QStringList& arguments)
         {QStringLiteral("--save-portable"), [&](const QString& v) { options.savePortablePath = v; }},
         {QStringLiteral("--thumbnails-to"), [&](const QString& v) { options.thumbnailsDir = v; }},
         {QStringLiteral("--thumbnail-size"), [&](const QString& v) { options.thumbnailSize = v.toInt(); }},
+        {QStringLiteral("--apply-effect"), [&](const QString& v) { options.applyEffect = v; }},
+        {QStringLiteral("--clip-actions"), [&](const QString& v) { options.clipActions = v; }},
     };
     const std::map<QString, std::function<void()>> flags{
         {QStringLiteral("--place-on-timeline"), [&] { options.placeOnTimeline = true; }},
@@ -66,6 +68,8 @@ QString HostOptions::usage()
         "  --quit-after-batches <n>   quit once n media batches have been reported\n"
         "  --place-on-timeline        put the named media on the timeline once they have opened\n"
         "  --save-project <file>      then save the project there and quit\n"
+        "  --apply-effect <id>        then put that effect on every placed clip (one undo step)\n"
+        "  --clip-actions <list>      then change every placed clip: speed=<x>,reverse,tone,stabilize\n"
         "  --save-portable <file>     ...or save it there with copies of its media, and quit\n"
         "  --dialog-gallery <folder>  render every standard dialog to a PNG there and exit\n"
         "  --thumbnails-to <folder>   write the named files' thumbnails there as PNGs and exit\n"

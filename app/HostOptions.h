@@ -22,6 +22,8 @@ struct HostOptions
     bool placeOnTimeline = false; // --place-on-timeline: put the named media on the timeline once opened
     QString savePortablePath;   // --save-portable <file.kvproj>: ...or a portable project (media copied beside it)
     QString saveProjectPath;    // --save-project <file.kvproj>: then save the project there and quit
+    QString applyEffect;        // --apply-effect <id>: after --place-on-timeline, put the effect on every clip
+    QString clipActions;        // --clip-actions <list>: ...and change them: speed=<x>,reverse,tone,stabilize
 
     // Removes the host options from `arguments` (element 0 is the program) and returns them.
     static HostOptions take(QStringList& arguments);

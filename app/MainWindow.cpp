@@ -25,8 +25,12 @@ namespace {
 class PageCollection : public EditorCollection::ICollection
 {
 public:
-    PageCollection(const QString& name, MainWindow* window) : m_name(name), m_window(window) {}
+    PageCollection(const QString& name, MainWindow* window, std::function<bool(const QString&)> holds = {})
+        : m_name(name), m_window(window), m_holds(std::move(holds))
+    {
+    }
     QString name() const override { return m_name; }
+    bool holds(const QString& tag) const override { return m_holds && m_holds(tag); }
     void showPage() override
     {
         if (m_window)
@@ -36,6 +40,7 @@ public:
 private:
     QString m_name;
     QPointer<MainWindow> m_window;
+    std::function<bool(const QString&)> m_holds;
 };
 
 QWidget* makePage(const QString& objectName, const QString& title, const QString& text)
@@ -172,11 +177,16 @@ void MainWindow::buildMenus()
 
 void MainWindow::addCollectionPage(const QString& name, const QString& title, const QString& description)
 {
-    QWidget* page = makePage(QStringLiteral("collectionPage_") + name, title, description);
+    addCollectionPage(name, title, makePage(QStringLiteral("collectionPage_") + name, title, description), {});
+}
+
+void MainWindow::addCollectionPage(const QString& name, const QString& title, QWidget* page,
+                                   std::function<bool(const QString&)> holds)
+{
     LOG(INFO) << "collection page: " << name.toStdString() << " \"" << title.toStdString() << '"';
     m_pages->addWidget(page);
     m_collectionPages.insert(name, page);
-    EditorCollection::CollectionProvider::add(std::make_shared<PageCollection>(name, this));
+    EditorCollection::CollectionProvider::add(std::make_shared<PageCollection>(name, this, std::move(holds)));
     if (auto* bar = findChild<QToolBar*>(QStringLiteral("pagesToolBar")))
         bar->addAction(title, this, [this, name] { showCollectionPage(name); });
 }
