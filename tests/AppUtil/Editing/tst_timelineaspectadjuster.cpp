@@ -31,6 +31,14 @@ struct UncheckedVideoTimeline : TimelineModel
     const Media::Video* video() const override { return useUnchecked ? &unchecked : TimelineModel::video(); }
 };
 
+// Returns once the zero-delay timers started before the call have fired.
+void nextTurn()
+{
+    bool turned = false;
+    QTimer::singleShot(0, [&turned] { turned = true; });
+    QTRY_VERIFY(turned);
+}
+
 } // namespace
 
 class tst_TimelineAspectAdjuster : public QObject
@@ -134,6 +142,7 @@ private slots:
         media.add("/m/earlier.mp4", {QSize(1440, 1080)});
 
         UncheckedVideoTimeline timeline;
+        timeline.setMediaResolver(media.resolver());
         // A side the model refuses can only be reached around it; such a project keeps its video.
         const bool unchecked = project.width() < 16 || project.height() < 16;
         timeline.useUnchecked = unchecked;
@@ -151,8 +160,7 @@ private slots:
             strategy.properties.insert(QStringLiteral("category"), category);
         QVERIFY(!timeline.placeMedia(paths, strategy).isEmpty());
         QCOMPARE(m_dialogs->count("alertAdjustProjectAspect"), 0); // never inside the notification
-        QCoreApplication::processEvents();
-        QCoreApplication::processEvents();
+        nextTurn();
         if (aspect.isEmpty()) {
             QCOMPARE(m_dialogs->count("alertAdjustProjectAspect"), 0);
             QCOMPARE(m_offers.size(), 0);
@@ -232,8 +240,7 @@ private slots:
         timeline.placeMedia({"/m/a.mp4"}, {});
         if (destroyFirst)
             adjuster.reset();
-        QCoreApplication::processEvents();
-        QCoreApplication::processEvents();
+        nextTurn();
         QCOMPARE(m_dialogs->count("alertAdjustProjectAspect"), offers);
         QCOMPARE(m_offers.size(), offers);
     }
@@ -241,7 +248,7 @@ private slots:
     void nullTimeline()
     {
         TimelineAspectAdjuster adjuster(nullptr);
-        QCoreApplication::processEvents();
+        nextTurn();
         QCOMPARE(m_offers.size(), 0);
     }
 };
