@@ -5,7 +5,12 @@
 #include "EffectsPage.h"
 #include "MainWindow.h"
 
+#include <QApplication>
+#include <QDialog>
+#include <QDialogButtonBox>
 #include <QDockWidget>
+#include <QPushButton>
+#include <QTimer>
 
 #include <glog/logging.h>
 
@@ -48,9 +53,30 @@ ClipServices::ClipServices(MainWindow* window, Timeline::TimelineModel* timeline
     dock->setWidget(m_panel);
     dock->setFeatures(QDockWidget::NoDockWidgetFeatures);
     window->addDockWidget(Qt::RightDockWidgetArea, dock);
+    watch(timeline);
 }
 
 ClipServices::~ClipServices() = default;
+
+void ClipServices::videoChanged(Timeline::ITimeline& timeline, const Media::Video&)
+{
+    LOG(INFO) << "timeline: video " << timeline.video()->frameWidth() << 'x' << timeline.video()->frameHeight();
+}
+
+void ClipServices::acceptAspectOffers()
+{
+    auto* timer = new QTimer(this);
+    timer->setInterval(10);
+    connect(timer, &QTimer::timeout, this, [] {
+        auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+        if (!dialog || dialog->objectName() != QLatin1String("AdjustProjectAspectDialog"))
+            return;
+        if (auto* buttons = dialog->findChild<QDialogButtonBox*>(QStringLiteral("buttonBox")))
+            if (QPushButton* change = buttons->button(QDialogButtonBox::Ok))
+                change->click();
+    });
+    timer->start();
+}
 
 bool ClipServices::applyToAll(const QString& effectId, const QString& clipActions)
 {

@@ -22,7 +22,9 @@ class MainWindow;
 // - the aspect offer for the first media on an empty timeline; its answer is logged from
 //   the statistics message:
 //     aspect: suggested <num>/<den> <w>x<h> accepted|declined
-class ClipServices : public QObject
+//
+// A change of the project video is logged too: timeline: video <w>x<h>
+class ClipServices : public QObject, private Timeline::TimelineWatcher
 {
     Q_OBJECT
 public:
@@ -35,8 +37,13 @@ public:
     // Unattended runs: selects every clip that takes adjustments, applies the effect `id`
     // (if any) and the clip actions (see ClipActions::run) to them. False when one failed.
     bool applyToAll(const QString& effectId, const QString& clipActions);
+    // Unattended runs: from now on the aspect offer's dialog is answered by clicking its
+    // "Change" button, as a person would.
+    void acceptAspectOffers();
 
 private:
+    void videoChanged(Timeline::ITimeline& timeline, const Media::Video& previous) override;
+
     Timeline::TimelineModel* m_timeline;
     EffectsPage* m_effects = nullptr;
     AdjustmentsPanel* m_panel = nullptr;

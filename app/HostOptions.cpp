@@ -24,6 +24,7 @@ HostOptions HostOptions::take(QStringList& arguments)
     };
     const std::map<QString, std::function<void()>> flags{
         {QStringLiteral("--place-on-timeline"), [&] { options.placeOnTimeline = true; }},
+        {QStringLiteral("--accept-aspect"), [&] { options.acceptAspect = true; }},
         {QStringLiteral("--help"), [&] { options.help = true; }},
         {QStringLiteral("-h"), [&] { options.help = true; }},
         {QStringLiteral("-?"), [&] { options.help = true; }},
@@ -70,6 +71,7 @@ QString HostOptions::usage()
         "  --save-project <file>      then save the project there and quit\n"
         "  --apply-effect <id>        then put that effect on every placed clip (one undo step)\n"
         "  --clip-actions <list>      then change every placed clip: speed=<x>,reverse,tone,stabilize\n"
+        "  --accept-aspect            answer the offer to match the project's frame shape with Change\n"
         "  --save-portable <file>     ...or save it there with copies of its media, and quit\n"
         "  --dialog-gallery <folder>  render every standard dialog to a PNG there and exit\n"
         "  --thumbnails-to <folder>   write the named files' thumbnails there as PNGs and exit\n"

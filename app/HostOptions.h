@@ -24,6 +24,7 @@ struct HostOptions
     QString saveProjectPath;    // --save-project <file.kvproj>: then save the project there and quit
     QString applyEffect;        // --apply-effect <id>: after --place-on-timeline, put the effect on every clip
     QString clipActions;        // --clip-actions <list>: ...and change them: speed=<x>,reverse,tone,stabilize
+    bool acceptAspect = false;  // --accept-aspect: click "Change" in the aspect offer when it comes
 
     // Removes the host options from `arguments` (element 0 is the program) and returns them.
     static HostOptions take(QStringList& arguments);

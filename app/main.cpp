@@ -166,6 +166,8 @@ int main(int argc, char** argv)
     ImportMenu::install(window); // into the project's File menu
     // The Effects page, the adjustments of the selection, stabilization and the aspect offer.
     ClipServices clipServices(&window, project.timeline());
+    if (options.acceptAspect)
+        clipServices.acceptAspectOffers();
     // Without a list, the search folder is for the projects the command line opens.
     if (options.findMissingList.isEmpty() && !options.searchFolder.isEmpty())
         project.setRelinkFolder(options.searchFolder);

@@ -22,8 +22,10 @@ class TestKlipvaneClipServices : public QObject
     std::unique_ptr<KvTest::Host> launch(QStringList arguments)
     {
         QProcessEnvironment environment = KvTest::hostEnvironment(*m_home);
-        // Nobody answers dialogs here: each is dismissed as Escape would (the offer declined).
-        environment.insert(QStringLiteral("KLIPVANE_DISMISS_DIALOGS_MS"), QStringLiteral("0"));
+        // Nobody answers dialogs here: each is dismissed as Escape would (the offer declined),
+        // unless the host is told to accept the offer.
+        if (!arguments.contains(QStringLiteral("--accept-aspect")))
+            environment.insert(QStringLiteral("KLIPVANE_DISMISS_DIALOGS_MS"), QStringLiteral("0"));
         for (QString& argument : arguments)
             if (argument.contains(QLatin1Char('.')) && !argument.startsWith(QLatin1String("--")))
                 argument = at(argument);
@@ -93,6 +95,18 @@ private slots:
         QCOMPARE(KvTest::logged(host->log(), "timeline: placed ").size(), 1);
         QCOMPARE(KvTest::logged(host->log(), "aspect: suggested "), offers);
         QCOMPARE(KvTest::logged(host->log(), "dialog: alertAdjustProjectAspect").size(), offers.size());
+    }
+
+    // Accepted, the offer changes the project's frame size and nothing else of it.
+    void aspectAccepted()
+    {
+        makeProject("four-three.kvproj", QSize(1440, 1080));
+        auto host = launch({"--quit-after-ready", "60000", "--accept-aspect", "--place-on-timeline", "four-three.kvproj",
+                            "a.mp4", "b.mp4"});
+        QVERIFY(host->waitForLog("timeline: video "));
+        QCOMPARE(KvTest::logged(host->log(), "aspect: suggested "), QStringList{"16/9 1920x1080 accepted"});
+        QCOMPARE(KvTest::logged(host->log(), "dialog answer: alertAdjustProjectAspect "), QStringList{"true"});
+        QCOMPARE(KvTest::logged(host->log(), "timeline: video "), QStringList{"1920x1080"});
     }
 
     // Effects and special changes on every placed clip show as merged rows of the selection.
