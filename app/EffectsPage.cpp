@@ -1,5 +1,7 @@
 #include "EffectsPage.h"
 
+#include "MainWindow.h"
+
 #include <Serialize/Serialize.h>
 #include <Translator/Translator.h>
 
@@ -46,12 +48,7 @@ EffectsPage::EffectsPage(Timeline::TimelineModel* timeline, const QString& title
 {
     setObjectName(QStringLiteral("collectionPage_Effects"));
     auto* layout = new QVBoxLayout(this);
-    auto* heading = new QLabel(title);
-    heading->setObjectName(QStringLiteral("pageTitle"));
-    QFont font = heading->font();
-    font.setPointSizeF(font.pointSizeF() * 1.6);
-    font.setBold(true);
-    heading->setFont(font);
+    QLabel* heading = MainWindow::makePageTitle(title);
     auto* hint = new QLabel(tr("Select clips on the timeline, then apply an effect to them, or drag it onto a clip."));
     hint->setWordWrap(true);
     m_list = new EffectList;

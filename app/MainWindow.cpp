@@ -48,12 +48,7 @@ QWidget* makePage(const QString& objectName, const QString& title, const QString
     auto* page = new QWidget;
     page->setObjectName(objectName);
     auto* layout = new QVBoxLayout(page);
-    auto* heading = new QLabel(title);
-    heading->setObjectName(QStringLiteral("pageTitle"));
-    QFont font = heading->font();
-    font.setPointSizeF(font.pointSizeF() * 1.6);
-    font.setBold(true);
-    heading->setFont(font);
+    QLabel* heading = MainWindow::makePageTitle(title);
     auto* body = new QLabel(text);
     body->setWordWrap(true);
     layout->addWidget(heading);
@@ -173,6 +168,17 @@ void MainWindow::buildMenus()
     bar->setMovable(false);
     bar->addAction(tr("Import"), this, [this] { m_pages->setCurrentWidget(m_importPage); });
     bar->addAction(tr("Tools"), this, [this] { m_pages->setCurrentWidget(m_toolsPage); });
+}
+
+QLabel* MainWindow::makePageTitle(const QString& title)
+{
+    auto* heading = new QLabel(title);
+    heading->setObjectName(QStringLiteral("pageTitle"));
+    QFont font = heading->font();
+    font.setPointSizeF(font.pointSizeF() * 1.6);
+    font.setBold(true);
+    heading->setFont(font);
+    return heading;
 }
 
 void MainWindow::addCollectionPage(const QString& name, const QString& title, const QString& description)

@@ -31,6 +31,8 @@ public:
     void addCollectionPage(const QString& name, const QString& title, QWidget* page,
                            std::function<bool(const QString&)> holds);
     void showCollectionPage(const QString& name);
+    // The large title at the top of a page.
+    static QLabel* makePageTitle(const QString& title);
 
     QStackedWidget* pages() const { return m_pages; }
     QListWidget* mediaBin() const { return m_bin; }
