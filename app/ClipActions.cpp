@@ -13,10 +13,6 @@
 
 namespace {
 
-QString tr(const char* text)
-{
-    return QCoreApplication::translate("ClipActions", text);
-}
 
 // The clips that carry their own timing among `clips`, each once.
 std::set<Timeline::IClip*> timingTargets(Timeline::ITimeline* timeline, const QList<Timeline::IClip*>& clips)
@@ -63,26 +59,26 @@ std::set<Timeline::IClip*> videoTargets(const QList<Timeline::IClip*>& clips)
 
 int ClipActions::setSpeed(Timeline::ITimeline* timeline, const QList<Timeline::IClip*>& clips, double speed)
 {
-    return changeEach(timeline, timingTargets(timeline, clips), tr("Change speed"), "speed " + std::to_string(speed),
+    return changeEach(timeline, timingTargets(timeline, clips), QCoreApplication::translate("ClipActions", "Change speed"), "speed " + std::to_string(speed),
                       [&](Timeline::IClip* clip) { return timeline->setSpeed(clip, speed); });
 }
 
 int ClipActions::setReversed(Timeline::ITimeline* timeline, const QList<Timeline::IClip*>& clips, bool reversed)
 {
-    return changeEach(timeline, timingTargets(timeline, clips), tr("Reverse"), reversed ? "reverse" : "forward",
+    return changeEach(timeline, timingTargets(timeline, clips), QCoreApplication::translate("ClipActions", "Reverse"), reversed ? "reverse" : "forward",
                       [&](Timeline::IClip* clip) { return timeline->setReversed(clip, reversed); });
 }
 
 int ClipActions::setSpeedCompensated(Timeline::ITimeline* timeline, const QList<Timeline::IClip*>& clips, bool compensated)
 {
-    return changeEach(timeline, timingTargets(timeline, clips), tr("Original tone"),
+    return changeEach(timeline, timingTargets(timeline, clips), QCoreApplication::translate("ClipActions", "Original tone"),
                       compensated ? "original tone" : "no original tone",
                       [&](Timeline::IClip* clip) { return timeline->setSpeedCompensated(clip, compensated); });
 }
 
 int ClipActions::setStabilized(Timeline::ITimeline* timeline, const QList<Timeline::IClip*>& clips, bool stabilized)
 {
-    return changeEach(timeline, videoTargets(clips), tr("Stabilize"), stabilized ? "stabilize" : "no stabilization",
+    return changeEach(timeline, videoTargets(clips), QCoreApplication::translate("ClipActions", "Stabilize"), stabilized ? "stabilize" : "no stabilization",
                       [&](Timeline::IClip* clip) {
                           const bool before = clip->timing().isStabilized();
                           PubSub::publish(Stabilization::ClipStabilizeRequest(clip, stabilized));
@@ -96,11 +92,11 @@ void ClipActions::addTo(QMenu* menu, Timeline::ITimeline* timeline)
     const std::set<Timeline::IClip*> timed = timingTargets(timeline, selected);
     const std::set<Timeline::IClip*> videos = videoTargets(selected);
 
-    QMenu* speed = menu->addMenu(tr("Speed"));
+    QMenu* speed = menu->addMenu(QCoreApplication::translate("ClipActions", "Speed"));
     speed->setObjectName(QStringLiteral("speedMenu"));
     speed->setEnabled(std::any_of(timed.begin(), timed.end(), [](const Timeline::IClip* c) { return !c->hasNoAdjustableSpeed(); }));
     for (const double value : {0.25, 0.5, 1.0, 1.5, 2.0, 4.0}) {
-        QAction* action = speed->addAction(tr("%1\u00d7").arg(value));
+        QAction* action = speed->addAction(QCoreApplication::translate("ClipActions", "%1\u00d7").arg(value));
         action->setCheckable(true);
         action->setChecked(all(timed, [value](const Timeline::IClip* c) { return qFuzzyCompare(c->speed(), value); }));
         QObject::connect(action, &QAction::triggered, menu, [timeline, selected, value] { setSpeed(timeline, selected, value); });
@@ -116,11 +112,11 @@ void ClipActions::addTo(QMenu* menu, Timeline::ITimeline* timeline)
         QObject::connect(action, &QAction::triggered, menu,
                          [timeline, selected, apply](bool on) { apply(timeline, selected, on); });
     };
-    addToggle(tr("Reverse"), "reverseAction", !timed.empty(),
+    addToggle(QCoreApplication::translate("ClipActions", "Reverse"), "reverseAction", !timed.empty(),
               all(timed, [](const Timeline::IClip* c) { return c->timing().isReversed(); }), &setReversed);
-    addToggle(tr("Original tone"), "originalToneAction", !timed.empty(),
+    addToggle(QCoreApplication::translate("ClipActions", "Original tone"), "originalToneAction", !timed.empty(),
               all(timed, [](const Timeline::IClip* c) { return c->timing().isSpeedCompensated(); }), &setSpeedCompensated);
-    addToggle(tr("Stabilize"), "stabilizeAction", !videos.empty(),
+    addToggle(QCoreApplication::translate("ClipActions", "Stabilize"), "stabilizeAction", !videos.empty(),
               all(videos, [](const Timeline::IClip* c) { return c->timing().isStabilized(); }), &setStabilized);
 }
 

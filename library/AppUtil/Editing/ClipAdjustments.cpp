@@ -31,10 +31,6 @@ bool relativelyEqual(double a, double b)
     return std::abs(a - b) * 1e12 <= std::min(std::abs(a), std::abs(b));
 }
 
-QString tr(const char* text)
-{
-    return QCoreApplication::translate("ClipAdjustmentsProvider", text);
-}
 
 // A change of several clips lands on their timeline's undo stack as one step; a change of
 // one clip is a single command anyway.
@@ -93,7 +89,7 @@ public:
     using Adjustment::Adjustment;
     QString id() override { return AdjustmentId::Speed; }
     QString uid() override { return AdjustmentId::Speed; }
-    QString name() override { return tr("Speed"); }
+    QString name() override { return QCoreApplication::translate("ClipAdjustmentsProvider", "Speed"); }
     QString tag() override { return QStringLiteral("speed"); }
     void remove() override
     {
@@ -108,7 +104,7 @@ public:
     using Adjustment::Adjustment;
     QString id() override { return AdjustmentId::SpeedCompensation; }
     QString uid() override { return AdjustmentId::SpeedCompensation; }
-    QString name() override { return tr("Original tone"); }
+    QString name() override { return QCoreApplication::translate("ClipAdjustmentsProvider", "Original tone"); }
     QString tag() override { return QStringLiteral("speed_compensation"); }
     void remove() override
     {
@@ -123,7 +119,7 @@ public:
     using Adjustment::Adjustment;
     QString id() override { return AdjustmentId::Reverse; }
     QString uid() override { return AdjustmentId::Reverse; }
-    QString name() override { return tr("Reverse"); }
+    QString name() override { return QCoreApplication::translate("ClipAdjustmentsProvider", "Reverse"); }
     QString tag() override { return QStringLiteral("reverse"); }
     void remove() override
     {
@@ -195,7 +191,7 @@ QString StabilizationAdjustment::uid()
 
 QString StabilizationAdjustment::name()
 {
-    return tr("Stabilization");
+    return QCoreApplication::translate("ClipAdjustmentsProvider", "Stabilization");
 }
 
 QString StabilizationAdjustment::tag()
@@ -241,7 +237,7 @@ QString EffectAdjustment::name()
     QString title = Translator::translate(m_tag, QString());
     if (!QUuid(title).isNull() || m_mixed)
         title = Translator::translate(m_fallbackNameKey, QString());
-    const QString prefix = m_isFilter ? tr("Filter: ") : QString();
+    const QString prefix = m_isFilter ? QCoreApplication::translate("ClipAdjustmentsProvider", "Filter: ") : QString();
     return QStringLiteral("%1%2").arg(prefix, title);
 }
 
@@ -328,7 +324,7 @@ void EffectAdjustment::remove()
 {
     if (m_holder || m_effects.empty())
         return;
-    UndoStep step(m_effects.begin()->first, m_effects.size(), tr("Remove %1").arg(name()));
+    UndoStep step(m_effects.begin()->first, m_effects.size(), QCoreApplication::translate("ClipAdjustmentsProvider", "Remove %1").arg(name()));
     for (const auto& entry : m_effects)
         if (entry.first->findEffect(m_id, m_uid))
             entry.first->removeEffect(m_id, m_uid);
