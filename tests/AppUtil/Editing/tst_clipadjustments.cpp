@@ -4,6 +4,7 @@
 #include <Editing/ClipAdjustments.h>
 
 #include <EditorCollection/Collection.h>
+#include <Project/ProjectFile.h>
 #include <Serialize/Serialize.h>
 
 #include <QUndoStack>
@@ -375,6 +376,23 @@ private slots:
         QCOMPARE(undoCount(), before + 1);
         QVERIFY(!video->timing().isReversed());
         QVERIFY(!sound->timing().isReversed());
+    }
+
+    // Stabilization is part of the clip's timing: undone with it, and kept in project files.
+    void stabilizationKept()
+    {
+        IClip* clip = videos(1).first();
+        QVERIFY(m_timeline->setStabilized(clip, true));
+        QVERIFY(!m_timeline->setStabilized(clip, true)); // nothing to change
+        QVERIFY(clip->stabilizableSource());
+        Project::Loaded loaded;
+        QString error;
+        QVERIFY2(Project::parse(Project::serialize(*m_timeline, "/p/story.kvproj"), "/p/story.kvproj", &loaded, &error),
+                 qPrintable(error));
+        const auto& loadedClips = loaded.content.clips;
+        QCOMPARE(std::count_if(loadedClips.begin(), loadedClips.end(), [](const auto& c) { return c->timing().isStabilized(); }), 1L);
+        m_timeline->undoStack()->undo();
+        QVERIFY(!clip->stabilizableSource());
     }
 
     // Setting what is already there writes nothing.
