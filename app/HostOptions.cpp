@@ -28,9 +28,12 @@ HostOptions HostOptions::take(QStringList& arguments)
         {QStringLiteral("--inhibit-ms"), [&](const QString& v) { options.inhibitMs = v.toInt(); }},
         {QStringLiteral("--crash-with-opengl"), [&](const QString& v) { options.crashWithOpengl = v; }},
         {QStringLiteral("--hang-with-opengl"), [&](const QString& v) { options.hangWithOpengl = v; }},
+        {QStringLiteral("--apply-effect"), [&](const QString& v) { options.applyEffect = v; }},
+        {QStringLiteral("--clip-actions"), [&](const QString& v) { options.clipActions = v; }},
     };
     const std::map<QString, std::function<void()>> flags{
         {QStringLiteral("--place-on-timeline"), [&] { options.placeOnTimeline = true; }},
+        {QStringLiteral("--accept-aspect"), [&] { options.acceptAspect = true; }},
         {QStringLiteral("--help"), [&] { options.help = true; }},
         {QStringLiteral("-h"), [&] { options.help = true; }},
         {QStringLiteral("-?"), [&] { options.help = true; }},
@@ -75,6 +78,9 @@ QString HostOptions::usage()
         "  --quit-after-batches <n>   quit once n media batches have been reported\n"
         "  --place-on-timeline        put the named media on the timeline once they have opened\n"
         "  --save-project <file>      then save the project there and quit\n"
+        "  --apply-effect <id>        then put that effect on every placed clip (one undo step)\n"
+        "  --clip-actions <list>      then change every placed clip: speed=<x>,reverse,tone,stabilize\n"
+        "  --accept-aspect            answer the offer to match the project's frame shape with Change\n"
         "  --save-portable <file>     ...or save it there with copies of its media, and quit\n"
         "  --dialog-gallery <folder>  render every standard dialog to a PNG there and exit\n"
         "  --thumbnails-to <folder>   write the named files' thumbnails there as PNGs and exit\n"

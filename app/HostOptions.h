@@ -28,6 +28,9 @@ struct HostOptions
     int inhibitMs = -1;         // --inhibit-ms <n>: suppress power saving for n ms once ready, then release
     QString crashWithOpengl;    // --crash-with-opengl <kind>: abort before ready when rendering with it
     QString hangWithOpengl;     // --hang-with-opengl <kind>: stop responding before ready when rendering with it
+    QString applyEffect;        // --apply-effect <id>: after --place-on-timeline, put the effect on every clip
+    QString clipActions;        // --clip-actions <list>: ...and change them: speed=<x>,reverse,tone,stabilize
+    bool acceptAspect = false;  // --accept-aspect: click "Change" in the aspect offer when it comes
 
     // Removes the host options from `arguments` (element 0 is the program) and returns them.
     static HostOptions take(QStringList& arguments);

@@ -25,8 +25,12 @@ namespace {
 class PageCollection : public EditorCollection::ICollection
 {
 public:
-    PageCollection(const QString& name, MainWindow* window) : m_name(name), m_window(window) {}
+    PageCollection(const QString& name, MainWindow* window, std::function<bool(const QString&)> holds = {})
+        : m_name(name), m_window(window), m_holds(std::move(holds))
+    {
+    }
     QString name() const override { return m_name; }
+    bool holds(const QString& tag) const override { return m_holds && m_holds(tag); }
     void showPage() override
     {
         if (m_window)
@@ -36,6 +40,7 @@ public:
 private:
     QString m_name;
     QPointer<MainWindow> m_window;
+    std::function<bool(const QString&)> m_holds;
 };
 
 QWidget* makePage(const QString& objectName, const QString& title, const QString& text)
@@ -43,12 +48,7 @@ QWidget* makePage(const QString& objectName, const QString& title, const QString
     auto* page = new QWidget;
     page->setObjectName(objectName);
     auto* layout = new QVBoxLayout(page);
-    auto* heading = new QLabel(title);
-    heading->setObjectName(QStringLiteral("pageTitle"));
-    QFont font = heading->font();
-    font.setPointSizeF(font.pointSizeF() * 1.6);
-    font.setBold(true);
-    heading->setFont(font);
+    QLabel* heading = MainWindow::makePageTitle(title);
     auto* body = new QLabel(text);
     body->setWordWrap(true);
     layout->addWidget(heading);
@@ -170,13 +170,29 @@ void MainWindow::buildMenus()
     bar->addAction(tr("Tools"), this, [this] { m_pages->setCurrentWidget(m_toolsPage); });
 }
 
+QLabel* MainWindow::makePageTitle(const QString& title)
+{
+    auto* heading = new QLabel(title);
+    heading->setObjectName(QStringLiteral("pageTitle"));
+    QFont font = heading->font();
+    font.setPointSizeF(font.pointSizeF() * 1.6);
+    font.setBold(true);
+    heading->setFont(font);
+    return heading;
+}
+
 void MainWindow::addCollectionPage(const QString& name, const QString& title, const QString& description)
 {
-    QWidget* page = makePage(QStringLiteral("collectionPage_") + name, title, description);
+    addCollectionPage(name, title, makePage(QStringLiteral("collectionPage_") + name, title, description), {});
+}
+
+void MainWindow::addCollectionPage(const QString& name, const QString& title, QWidget* page,
+                                   std::function<bool(const QString&)> holds)
+{
     LOG(INFO) << "collection page: " << name.toStdString() << " \"" << title.toStdString() << '"';
     m_pages->addWidget(page);
     m_collectionPages.insert(name, page);
-    EditorCollection::CollectionProvider::add(std::make_shared<PageCollection>(name, this));
+    EditorCollection::CollectionProvider::add(std::make_shared<PageCollection>(name, this, std::move(holds)));
     if (auto* bar = findChild<QToolBar*>(QStringLiteral("pagesToolBar")))
         bar->addAction(title, this, [this, name] { showCollectionPage(name); });
 }

@@ -5,6 +5,7 @@
 #include <QMainWindow>
 #include <QMap>
 
+#include <functional>
 #include <memory>
 
 class QLabel;
@@ -25,7 +26,13 @@ public:
     // Adds a collection page titled `title` (a user text) and registers the collection
     // under `name` (an identifier, as IPC requests name it).
     void addCollectionPage(const QString& name, const QString& title, const QString& description);
+    // The same with a page of its own (the window takes it); `holds` tells which item type
+    // tags the collection offers (EditorCollection::ICollection::holds).
+    void addCollectionPage(const QString& name, const QString& title, QWidget* page,
+                           std::function<bool(const QString&)> holds);
     void showCollectionPage(const QString& name);
+    // The large title at the top of a page.
+    static QLabel* makePageTitle(const QString& title);
 
     QStackedWidget* pages() const { return m_pages; }
     QListWidget* mediaBin() const { return m_bin; }

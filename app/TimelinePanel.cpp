@@ -1,5 +1,7 @@
 #include "TimelinePanel.h"
 
+#include "ClipActions.h"
+
 #include <QAction>
 #include <QApplication>
 #include <QBoxLayout>
@@ -322,6 +324,11 @@ protected:
             m_timeline->select({clip}, ITimeline::SelectionMode::Replace);
         QAction* remove = menu.addAction(TimelinePanel::tr("Remove"));
         remove->setEnabled(!m_timeline->selectedClips().isEmpty());
+        if (!m_timeline->selectedClips().isEmpty()) {
+            menu.addSeparator();
+            ClipActions::addTo(&menu, m_timeline);
+            menu.addSeparator();
+        }
         menu.addAction(TimelinePanel::tr("Select all"), [this] { m_timeline->selectAll(); });
         QAction* chosen = menu.exec(event->globalPos());
         if (chosen == place)

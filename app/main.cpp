@@ -2,6 +2,7 @@
 // of the library so that a person (or a test) can watch it work.
 
 #include "CaptureTools.h"
+#include "ClipServices.h"
 #include "DialogGallery.h"
 #include "DisplayMenu.h"
 #include "EditorModule.h"
@@ -175,8 +176,6 @@ extern "C" Q_DECL_EXPORT int klipvaneEditorMain(int argc, char** argv)
         layout->insertWidget(2, new CaptureTools);
     window.addCollectionPage(QStringLiteral("UserFiles"), MainWindow::tr("Your Files"),
                              QObject::tr("Files you added from outside the editor."));
-    window.addCollectionPage(QStringLiteral("Effects"), MainWindow::tr("Effects"),
-                             QObject::tr("Filters, transitions and titles."));
 
     // Files reaching the bin are opened by the media model; the bin reports each batch.
     MediaBin mediaBin(window.mediaBin());
@@ -196,6 +195,10 @@ extern "C" Q_DECL_EXPORT int klipvaneEditorMain(int argc, char** argv)
     DisplayMenu::install(window, project);
     // Playback keeps the desktop awake through this object (setPlaybackRunning).
     PowerSaving powerSaving;
+    // The Effects page, the adjustments of the selection, stabilization and the aspect offer.
+    ClipServices clipServices(&window, project.timeline());
+    if (options.acceptAspect)
+        clipServices.acceptAspectOffers();
     // Without a list, the search folder is for the projects the command line opens.
     if (options.findMissingList.isEmpty() && !options.searchFolder.isEmpty())
         project.setRelinkFolder(options.searchFolder);
@@ -213,8 +216,11 @@ extern "C" Q_DECL_EXPORT int klipvaneEditorMain(int argc, char** argv)
     const QStringList namedFiles = project.takeNamedFiles();
     const bool portable = !options.savePortablePath.isEmpty();
     const QString savePath = portable ? options.savePortablePath : options.saveProjectPath;
-    if (options.placeOnTimeline || !savePath.isEmpty()) {
-        project.placeWhenOpened(options.placeOnTimeline ? namedFiles : QStringList(), [&, portable, savePath] {
+    const bool changeClips = !options.applyEffect.isEmpty() || !options.clipActions.isEmpty();
+    if (options.placeOnTimeline || !savePath.isEmpty() || changeClips) {
+        project.placeWhenOpened(options.placeOnTimeline ? namedFiles : QStringList(), [&, portable, savePath, changeClips] {
+            if (changeClips)
+                clipServices.applyToAll(options.applyEffect, options.clipActions);
             if (savePath.isEmpty())
                 return;
             QString why;

@@ -284,4 +284,18 @@ void setDontShowDialog(const QString& key, bool dontShow)
     setValue(dontShowKey(key), dontShow);
 }
 
+namespace {
+const QString kAdjustAspectKey = QStringLiteral("Timeline/AdjustAspectWhenFileAdded");
+}
+
+bool adjustAspectWhenFileAdded()
+{
+    return value(kAdjustAspectKey, true).toBool();
+}
+
+void setAdjustAspectWhenFileAdded(bool const& adjust)
+{
+    setValue(kAdjustAspectKey, adjust);
+}
+
 } // namespace Settings

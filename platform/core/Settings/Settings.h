@@ -27,4 +27,9 @@ void sync();
 bool dontShowDialog(const QString& key);
 void setDontShowDialog(const QString& key, bool dontShow);
 
+// Whether the editor offers to match the project's frame to the first media placed on an
+// empty timeline (on unless the user turned it off).
+bool adjustAspectWhenFileAdded();
+void setAdjustAspectWhenFileAdded(bool const& adjust);
+
 } // namespace Settings

@@ -15,6 +15,13 @@ public:
     virtual QString name() const = 0;
     // Brings the collection's page to the front of the editor.
     virtual void showPage() = 0;
+    // Whether the collection offers an item of this type tag (an effect's tag, ...).
+    // Collections that list no typed items hold none.
+    virtual bool holds(const QString& tag) const
+    {
+        Q_UNUSED(tag);
+        return false;
+    }
 };
 
 // The collections the running editor knows, by name.

@@ -38,9 +38,11 @@ public:
     double speed = 1.0;     // playback speed; 2.0 plays twice as fast
     bool reversed = false;
     bool speedCompensated = false; // the pitch kept when the speed changes ("Original tone")
+    bool stabilized = false;       // the picture shown steadied (video media only)
 
     bool isReversed() const { return reversed; }
     bool isSpeedCompensated() const { return speedCompensated; }
+    bool isStabilized() const { return stabilized; }
     // The time the clip lasts on the timeline.
     MediaTime duration() const { return MediaTime::fromMicroseconds(qint64(double(sourceLength.microseconds()) / speed)); }
 };
@@ -114,7 +116,8 @@ public:
     virtual bool takesAdjustments() const = 0;
     // Stills and titles have no speed to adjust.
     virtual bool hasNoAdjustableSpeed() const = 0;
-    // The video track that can be stabilized, or null.
+    // The video track shown stabilized: null unless the clip is stabilized and shows the
+    // moving picture of a video track.
     virtual const Media::VideoTrack* stabilizableSource() const = 0;
 };
 
@@ -202,6 +205,8 @@ public:
     virtual bool setSpeed(IClip* clip, double speed) = 0;
     virtual bool setReversed(IClip* clip, bool reversed) = 0;
     virtual bool setSpeedCompensated(IClip* clip, bool compensated) = 0;
+    // Only a clip of video media can be stabilized.
+    virtual bool setStabilized(IClip* clip, bool stabilized) = 0;
 
     virtual bool addEffect(IClip* clip, std::shared_ptr<Effect::Object> effect) = 0;
     virtual bool removeEffect(IClip* clip, const QString& id, const QString& uid) = 0;

@@ -54,7 +54,7 @@ constexpr double kMaxSpeed = 100.0;
 bool sameTiming(const ClipTiming& a, const ClipTiming& b)
 {
     return a.sourceIn == b.sourceIn && a.sourceLength == b.sourceLength && a.speed == b.speed &&
-        a.reversed == b.reversed && a.speedCompensated == b.speedCompensated;
+        a.reversed == b.reversed && a.speedCompensated == b.speedCompensated && a.stabilized == b.stabilized;
 }
 
 bool byStart(const std::shared_ptr<Clip>& a, const std::shared_ptr<Clip>& b)
@@ -154,7 +154,7 @@ bool Clip::hasNoAdjustableSpeed() const
 
 const Media::VideoTrack* Clip::stabilizableSource() const
 {
-    if (m_data.mediaType != Media::Type::Video)
+    if (m_data.mediaType != Media::Type::Video || !m_data.timing.stabilized)
         return nullptr;
     const Media::VideoTrack* track = currentVideoTrack();
     return track && !track->isCoverArt() ? track : nullptr;
@@ -260,6 +260,10 @@ void Clip::writeJson(QByteArray& out, int mediaIndex) const
         appendField(out, "speedCompensated");
         out += "true";
     }
+    if (d.timing.stabilized) {
+        appendField(out, "stabilized");
+        out += "true";
+    }
     if (!d.effects.empty()) {
         QJsonArray effects;
         for (const auto& effect : d.effects)
@@ -295,6 +299,7 @@ std::shared_ptr<Clip> Clip::fromJson(const QJsonObject& json, Serialize::JsonRea
     d.timing.speed = reader.number(json, QStringLiteral("speed"), where, kMinSpeed, kMaxSpeed, 1.0);
     d.timing.reversed = reader.boolean(json, QStringLiteral("reversed"), where, false);
     d.timing.speedCompensated = reader.boolean(json, QStringLiteral("speedCompensated"), where, false);
+    d.timing.stabilized = reader.boolean(json, QStringLiteral("stabilized"), where, false);
     d.description.name = reader.string(json, QStringLiteral("name"), where, 1024);
     d.description.category = reader.string(json, QStringLiteral("category"), where, 256);
     d.mediaType = Media::Type(reader.integer(json, QStringLiteral("mediaType"), where, 0, 3, 0));
@@ -1118,6 +1123,27 @@ bool TimelineModel::setReversed(IClip* clip, bool reversed)
 bool TimelineModel::setSpeedCompensated(IClip* clip, bool compensated)
 {
     return changeTiming(clip, [compensated](ClipTiming& t) { t.speedCompensated = compensated; }, QCoreApplication::translate("Timeline", "Original tone"));
+}
+
+bool TimelineModel::setStabilized(IClip* clip, bool stabilized)
+{
+    // Only the video itself is steadied; its sound and the rest of its group keep theirs.
+    Clip* own = this->own(clip);
+    if (!own || (stabilized && own->m_data.mediaType != Media::Type::Video))
+        return false;
+    ClipTiming after = own->m_data.timing;
+    after.stabilized = stabilized;
+    if (sameTiming(after, own->m_data.timing))
+        return false;
+    const std::shared_ptr<Clip> held = shared(own);
+    if (!held)
+        return false;
+    std::vector<TimingCommand::Change> changes;
+    changes.emplace_back(held, own->m_data.timing, after);
+    m_undo->push(new TimingCommand(this, std::move(changes),
+                                   stabilized ? QCoreApplication::translate("Timeline", "Stabilize")
+                                              : QCoreApplication::translate("Timeline", "Stop stabilizing")));
+    return true;
 }
 
 bool TimelineModel::changeEffects(IClip* c, const std::function<bool(std::vector<std::shared_ptr<Effect::Object>>&)>& edit,

@@ -78,6 +78,7 @@ public:
     bool setSpeed(IClip* clip, double speed) override;
     bool setReversed(IClip* clip, bool reversed) override;
     bool setSpeedCompensated(IClip* clip, bool compensated) override;
+    bool setStabilized(IClip* clip, bool stabilized) override;
     bool addEffect(IClip* clip, std::shared_ptr<Effect::Object> effect) override;
     bool removeEffect(IClip* clip, const QString& id, const QString& uid) override;
     bool replaceEffect(IClip* clip, std::shared_ptr<Effect::Object> effect) override;
