@@ -137,6 +137,49 @@ private slots:
         QVERIFY(reopened.isMissing(folder + "/media/b.mp3"));
     }
 
+    // Optional clip fields are read however many other keys a clip has, known or not: the
+    // loader stops looking for them only once every key of the clip was read.
+    void optionalFields_data()
+    {
+        QTest::addColumn<Mutation>("mutation");
+        QTest::newRow("as saved") << firstClip([](QJsonObject&) {});
+        QTest::newRow("an unknown key only") << firstClip([](QJsonObject& c) { c["comment"] = "x"; });
+        QTest::newRow("unknown keys around the last optional one") << firstClip([](QJsonObject& c) {
+            c["aaa"] = 1;
+            c["zzz"] = true;
+            c["speedCompensated"] = true;
+        });
+        QTest::newRow("without media, the rest found") << firstClip([](QJsonObject& c) {
+            c.remove("media");
+            c["reversed"] = true;
+            c["videoTrack"] = 2;
+            c["text"] = "Title";
+        });
+    }
+
+    void optionalFields()
+    {
+        QFETCH(Mutation, mutation);
+        TimelineModel timeline;
+        const QString folder = m_dir.filePath("optional");
+        makeProject(timeline, folder);
+        QJsonObject root = QJsonDocument::fromJson(Project::serialize(timeline, folder + "/p.kvproj")).object();
+        mutation(root);
+        const QJsonObject edited = root.value("clips").toArray().at(0).toObject();
+        const QString path = folder + "/p.kvproj";
+        QVERIFY(writeFile(path, QJsonDocument(root).toJson()));
+        Project::Loaded loaded;
+        QString error;
+        QVERIFY2(Project::load(path, &loaded, &error), qPrintable(error));
+        const Clip& clip = *loaded.content.clips.at(0);
+        QCOMPARE(clip.timing().isReversed(), edited.value("reversed").toBool());
+        QCOMPARE(clip.timing().isSpeedCompensated(), edited.value("speedCompensated").toBool());
+        QCOMPARE(clip.currentVideoTrackIndex(), edited.value("videoTrack").toInt());
+        QCOMPARE(clip.text(), edited.value("text").toString());
+        QCOMPARE(clip.mediaPath().isEmpty(), !edited.contains("media"));
+        QCOMPARE(int(clip.effects().size()), edited.value("effects").toArray().size());
+    }
+
     // Every damaged file is refused with a reason that names the problem.
     void corrupt_data()
     {
