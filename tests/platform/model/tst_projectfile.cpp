@@ -2,6 +2,7 @@
 
 #include <Project/ProjectFile.h>
 
+#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QProcess>
@@ -77,6 +78,17 @@ class tst_ProjectFile : public QObject
         QVERIFY(timeline.addOverlayPreset({"Title", "Hello", MediaTime::fromSeconds(3)}, {}));
         Media::Video video(1280, 720, 30);
         timeline.setVideo(video);
+    }
+
+    // The document of a small project to be saved at `path` (its media made beside it),
+    // edited by `mutation`.
+    QJsonObject editedProject(const QString& path, const Mutation& mutation)
+    {
+        TimelineModel timeline;
+        makeProject(timeline, QFileInfo(path).path());
+        QJsonObject root = QJsonDocument::fromJson(Project::serialize(timeline, path)).object();
+        mutation(root);
+        return root;
     }
 
 private slots:
@@ -160,13 +172,9 @@ private slots:
     void optionalFields()
     {
         QFETCH(Mutation, mutation);
-        TimelineModel timeline;
-        const QString folder = m_dir.filePath("optional");
-        makeProject(timeline, folder);
-        QJsonObject root = QJsonDocument::fromJson(Project::serialize(timeline, folder + "/p.kvproj")).object();
-        mutation(root);
+        const QString path = m_dir.filePath("optional/p.kvproj");
+        const QJsonObject root = editedProject(path, mutation);
         const QJsonObject edited = root.value("clips").toArray().at(0).toObject();
-        const QString path = folder + "/p.kvproj";
         QVERIFY(writeFile(path, QJsonDocument(root).toJson()));
         Project::Loaded loaded;
         QString error;
@@ -257,12 +265,8 @@ private slots:
         QFETCH(Mutation, mutation);
         QFETCH(QByteArray, replacement);
         QFETCH(QString, reason);
-        TimelineModel timeline;
-        const QString folder = m_dir.filePath("corrupt");
-        makeProject(timeline, folder);
-        QJsonObject root = QJsonDocument::fromJson(Project::serialize(timeline, folder + "/p.kvproj")).object();
-        mutation(root);
-        const QString path = folder + "/p.kvproj";
+        const QString path = m_dir.filePath("corrupt/p.kvproj");
+        const QJsonObject root = editedProject(path, mutation);
         QVERIFY(writeFile(path, replacement.isEmpty() ? QJsonDocument(root).toJson() : replacement));
         Project::Loaded loaded;
         QString error;
