@@ -7,6 +7,7 @@
 #include <QApplication>
 #include <QDialog>
 #include <QElapsedTimer>
+#include <QKeyEvent>
 #include <QPointer>
 #include <QStringList>
 
@@ -82,10 +83,16 @@ std::unique_ptr<QTimer> DialogTrail::armDismissal(const char* operation) const
             return;
         shownFor->invalidate();
         LOG(INFO) << "dialog dismissed: " << name;
-        if (auto* dialog = qobject_cast<QDialog*>(modal))
-            dialog->reject();
-        else
+        // As the Escape key: a message box answers with its escape button (Cancel where it
+        // has one), which reject() alone would not press.
+        QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+        if (QPointer<QDialog> dialog = qobject_cast<QDialog*>(modal)) {
+            QCoreApplication::sendEvent(dialog, &escape);
+            if (dialog && dialog->isVisible()) // a dialog that ignores Escape
+                dialog->reject();
+        } else {
             modal->close();
+        }
     });
     timer->start();
     return timer;

@@ -2,6 +2,7 @@
 //                                    saved and loaded through the project file code, against
 //                                    QJsonDocument alone writing and parsing the same bytes;
 //                                    best of five each, in milliseconds.
+// bench_project load FILE N          FILE loaded N times (for a profiler: no setup, no peer).
 // bench_project edit N               N clips placed one by one (N undo steps), all selected,
 //                                    all removed in one step; milliseconds of each phase.
 
@@ -89,6 +90,21 @@ int io(int clips, int media, const QString& dir)
     return 0;
 }
 
+int loadOnly(const QString& path, int count)
+{
+    QString error;
+    for (int i = 0; i < count; ++i) {
+        Project::Loaded loaded;
+        if (!Project::load(path, &loaded, &error)) {
+            std::fprintf(stderr, "load: %s\n", qPrintable(error));
+            return 1;
+        }
+        Timeline::TimelineModel reopened;
+        reopened.reset(std::move(loaded.content));
+    }
+    return 0;
+}
+
 int edit(int count)
 {
     double insert = 0, select = 0, remove = 0;
@@ -126,8 +142,10 @@ int main(int argc, char** argv)
     const QStringList arguments = QCoreApplication::arguments();
     if (arguments.size() == 5 && arguments.at(1) == QLatin1String("io"))
         return io(arguments.at(2).toInt(), arguments.at(3).toInt(), arguments.at(4));
+    if (arguments.size() == 4 && arguments.at(1) == QLatin1String("load"))
+        return loadOnly(arguments.at(2), arguments.at(3).toInt());
     if (arguments.size() == 3 && arguments.at(1) == QLatin1String("edit"))
         return edit(arguments.at(2).toInt());
-    std::fprintf(stderr, "usage: bench_project io CLIPS MEDIA DIR | edit N\n");
+    std::fprintf(stderr, "usage: bench_project io CLIPS MEDIA DIR | load FILE N | edit N\n");
     return 2;
 }

@@ -13,38 +13,7 @@
 
 #include <memory>
 
-namespace {
-
-// One host process and everything it logged.
-class Host : public QProcess
-{
-public:
-    Host(const QProcessEnvironment& environment, const QString& folder, const QStringList& arguments)
-    {
-        setProcessEnvironment(environment);
-        setWorkingDirectory(folder);
-        start(KvTest::builtProgram(QStringLiteral("klipvane")), arguments);
-    }
-    ~Host() override
-    {
-        if (state() != NotRunning) {
-            kill();
-            waitForFinished(5000);
-        }
-    }
-    bool waitForLog(const QString& text, int timeoutMs = 30000)
-    {
-        return QTest::qWaitFor([&] { return log().contains(text.toUtf8()) || state() == NotRunning; }, timeoutMs) &&
-            log().contains(text.toUtf8());
-    }
-    const QByteArray& log() { return m_log += readAllStandardError(); }
-    QStringList logged(const QString& prefix) { return KvTest::logged(log(), prefix); }
-
-private:
-    QByteArray m_log;
-};
-
-} // namespace
+using KvTest::Host;
 
 class TestKlipvaneProject : public QObject
 {
@@ -56,7 +25,7 @@ class TestKlipvaneProject : public QObject
 
     std::unique_ptr<Host> launch(const QStringList& arguments)
     {
-        return std::make_unique<Host>(m_environment, m_folder, arguments);
+        return std::make_unique<Host>(m_environment, KvTest::builtProgram(QStringLiteral("klipvane")), arguments, m_folder);
     }
     QString at(const QString& name) const { return m_folder + QLatin1Char('/') + name; }
 

@@ -17,51 +17,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-namespace {
-
-// One editor process and everything it logged.
-class Editor : public QProcess
-{
-public:
-    // `program` runs the editor itself or a command that ends by executing it (prlimit).
-    Editor(const QProcessEnvironment& environment, const QString& folder, const QStringList& arguments,
-           const QString& program = KvTest::builtProgram(QStringLiteral("klipvane")))
-    {
-        setProcessEnvironment(environment);
-        setWorkingDirectory(folder);
-        start(program, arguments);
-    }
-    ~Editor() override
-    {
-        if (!running())
-            return;
-        ::kill(pid_t(processId()), SIGCONT); // in case a test stopped it
-        kill();
-        waitForFinished(5000);
-    }
-
-    bool waitForLog(const QString& text, int timeoutMs = 20000)
-    {
-        QDeadlineTimer deadline(timeoutMs);
-        while (!log().contains(text.toUtf8()) && !deadline.hasExpired() && running())
-            waitForReadyRead(50);
-        return log().contains(text.toUtf8());
-    }
-    int code() const { return exitStatus() == NormalExit ? exitCode() : -1; }
-    bool running() const { return state() != NotRunning; }
-    const QByteArray& log() { return m_log += readAllStandardError(); }
-    QStringList commands() { return KvTest::logged(log(), QStringLiteral("command: ")); }
-    QStringList added()
-    {
-        return commands().filter(QRegularExpression(QStringLiteral("^AddFiles "))).replaceInStrings(
-            QRegularExpression(QStringLiteral("^AddFiles ")), QString());
-    }
-
-private:
-    QByteArray m_log;
-};
-
-} // namespace
+using Editor = KvTest::Host;
 
 class TestSecondLaunch : public QObject
 {
@@ -85,17 +41,17 @@ class TestSecondLaunch : public QObject
     }
     std::unique_ptr<Editor> launch(const QStringList& arguments)
     {
-        return std::make_unique<Editor>(m_environment, m_files, arguments);
+        return std::make_unique<Editor>(m_environment, KvTest::builtProgram(QStringLiteral("klipvane")), arguments, m_files);
     }
     std::unique_ptr<Editor> startPrimary(const QStringList& wrapper = {})
     {
         const QStringList arguments{QStringLiteral("--quit-after-ready"), QStringLiteral("60000")};
         auto editor = wrapper.isEmpty()
             ? launch(arguments)
-            : std::make_unique<Editor>(m_environment, m_files,
+            : std::make_unique<Editor>(m_environment, wrapper.first(),
                                        wrapper.mid(1) + QStringList{KvTest::builtProgram(QStringLiteral("klipvane"))} + arguments,
-                                       wrapper.first());
-        if (!editor->waitForLog(QStringLiteral("] startup: ")))
+                                       m_files);
+        if (!editor->waitForLog("] startup: "))
             qWarning("primary did not start: %s", editor->log().constData());
         return editor;
     }
@@ -160,7 +116,7 @@ private slots:
             QCOMPARE(primary->commands().size(), before);
             return;
         }
-        QVERIFY2(primary->waitForLog(QStringLiteral("] command: ShowMainWindow")), primary->log().constData());
+        QVERIFY2(primary->waitForLog("] command: ShowMainWindow"), primary->log().constData());
 
         QStringList expected{QStringLiteral("ShowMainWindow")};
         if (!added.isEmpty())
@@ -185,7 +141,7 @@ private slots:
         sender.start(KvTest::builtProgram(QStringLiteral("ipcsend")), {"klipvane", "OnOpenProject", project});
         QVERIFY(sender.waitForFinished(10000));
         QCOMPARE(sender.exitCode(), 0);
-        QVERIFY(primary->waitForLog(QStringLiteral("] command: ShowMainWindow")));
+        QVERIFY(primary->waitForLog("] command: ShowMainWindow"));
         QCOMPARE(primary->commands(), (QStringList{"AddFiles " + project, "ShowMainWindow"}));
         QVERIFY(KvTest::logged(primary->log(), QStringLiteral("collection: ")).isEmpty());
     }
@@ -216,8 +172,7 @@ private slots:
         }
         QStringList added;
         QVERIFY(QTest::qWaitFor([&] {
-            added = primary->commands().filter(QRegularExpression(QStringLiteral("^AddFiles "))).replaceInStrings(
-                QRegularExpression(QStringLiteral("^AddFiles ")), QString());
+            added = primary->added();
             return added.size() >= count;
         }, 20000));
         QCOMPARE(added.size(), count);
@@ -252,13 +207,13 @@ private slots:
         QCOMPARE(second->code(), 3);
         QVERIFY(second->log().contains("does not answer"));
         // The frozen editor did get the call; once thawed it handles it, late but exactly once.
-        QVERIFY(primary->waitForLog(QStringLiteral("] command: ShowMainWindow")));
+        QVERIFY(primary->waitForLog("] command: ShowMainWindow"));
         QCOMPARE(primary->added(), QStringList{clip});
         // The user, not knowing, tries again: the editor knows this hand-off already.
         auto retry = launch({clip});
         QVERIFY(retry->waitForFinished());
         QCOMPARE(retry->code(), 0);
-        QVERIFY(primary->waitForLog(QStringLiteral("the repeat is ignored")));
+        QVERIFY(primary->waitForLog("the repeat is ignored"));
         QCOMPARE(primary->added(), QStringList{clip});
         // A later hand-off of the same file is a new one.
         auto later = launch({clip});
@@ -358,7 +313,7 @@ private slots:
         QVERIFY(second->waitForFinished(5000 * KV_TEST_TIME_SCALE));
         QCOMPARE(second->code(), 0);
         QTRY_COMPARE_WITH_TIMEOUT(primary->added(), QStringList{clip}, 5000 * KV_TEST_TIME_SCALE);
-        QVERIFY2(primary->waitForLog(logged), primary->log().constData());
+        QVERIFY2(primary->waitForLog(logged.toUtf8()), primary->log().constData());
         QCOMPARE(primary->log().count(logged.toUtf8()), 1);
     }
 
@@ -412,7 +367,7 @@ private slots:
         auto second = launch({file(QStringLiteral("a.mp4"))});
         QVERIFY(second->waitForFinished());
         QCOMPARE(second->code(), 0);
-        QVERIFY(primary->waitForLog(QStringLiteral("] command: ShowMainWindow")));
+        QVERIFY(primary->waitForLog("] command: ShowMainWindow"));
         QCOMPARE(primary->commands().first(), "AddFiles " + m_files + "/a.mp4");
         QVERIFY(primary->running());
     }

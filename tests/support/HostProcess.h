@@ -11,6 +11,10 @@
 #include <QStringList>
 #include <QTemporaryDir>
 
+#include <csignal>
+
+#include <unistd.h>
+
 // What tests that start the real reference host share: where its executables are, a
 // private set of per-user folders for a launch, and reading the host's log lines.
 namespace KvTest {
@@ -61,15 +65,21 @@ inline QStringList logged(const QByteArray& log, const QString& prefix)
 class Host : public QProcess
 {
 public:
-    Host(const QProcessEnvironment& environment, const QString& program, const QStringList& arguments)
+    // `program` is the host itself or a command that ends by executing it (prlimit); `folder`,
+    // when given, is the launch's working folder (relative names on the command line).
+    Host(const QProcessEnvironment& environment, const QString& program, const QStringList& arguments,
+         const QString& folder = QString())
     {
         setProcessEnvironment(environment);
+        if (!folder.isEmpty())
+            setWorkingDirectory(folder);
         start(program, arguments);
     }
     ~Host() override
     {
-        if (state() == NotRunning)
+        if (!running())
             return;
+        ::kill(pid_t(processId()), SIGCONT); // in case a test stopped it
         terminate();
         if (!waitForFinished(5000)) {
             kill();
@@ -78,14 +88,27 @@ public:
     }
 
     // Waits until the log contains `text`; false when the time is up or the process ended.
-    bool waitForLog(const QByteArray& text, int timeoutMs = 20000)
+    bool waitForLog(const QByteArray& text, int timeoutMs = 30000)
     {
         const QDeadlineTimer deadline(timeoutMs);
-        while (!log().contains(text) && !deadline.hasExpired() && state() != NotRunning)
+        while (!log().contains(text) && !deadline.hasExpired() && running())
             waitForReadyRead(50);
         return log().contains(text);
     }
     const QByteArray& log() { return m_log += readAllStandardError(); }
+    // See KvTest::logged.
+    QStringList logged(const QString& prefix) { return KvTest::logged(log(), prefix); }
+    // The IPC commands it carried out ("AddFiles /a.mp4 /b.mp4", "ShowMainWindow", ...).
+    QStringList commands() { return logged(QStringLiteral("command: ")); }
+    // The files of its "AddFiles" commands, one entry per command.
+    QStringList added()
+    {
+        static const QRegularExpression addFiles(QStringLiteral("^AddFiles "));
+        return commands().filter(addFiles).replaceInStrings(addFiles, QString());
+    }
+    // The exit code, or -1 when it crashed or was killed.
+    int code() const { return exitStatus() == NormalExit ? exitCode() : -1; }
+    bool running() const { return state() != NotRunning; }
 
 private:
     QByteArray m_log;

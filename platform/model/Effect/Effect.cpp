@@ -87,8 +87,8 @@ QString number(double v)
 
 } // namespace
 
-Object::Object(const QString& id, const QString& tag, const QString& nameKey, bool hasIntensity)
-    : m_id(id), m_uid(newUid()), m_tag(tag), m_nameKey(nameKey), m_hasIntensity(hasIntensity)
+Object::Object(const QString& id, const QString& tag, const QString& nameKey, bool hasIntensity, const QString& uid)
+    : m_id(id), m_uid(uid.isEmpty() ? newUid() : uid), m_tag(tag), m_nameKey(nameKey), m_hasIntensity(hasIntensity)
 {
 }
 
@@ -96,12 +96,17 @@ Object::~Object() = default;
 
 std::shared_ptr<Object> Object::create(const QString& id)
 {
+    return make(id, QString());
+}
+
+std::shared_ptr<Object> Object::make(const QString& id, const QString& uid)
+{
     if (id == Id::Group)
-        return EffectsHolder::create();
+        return std::shared_ptr<EffectsHolder>(new EffectsHolder(uid));
     const CatalogueEntry* entry = Catalogue::find(id);
     if (!entry)
         return nullptr;
-    return std::shared_ptr<Object>(new Object(entry->id, entry->tag, entry->nameKey, entry->hasIntensity));
+    return std::shared_ptr<Object>(new Object(entry->id, entry->tag, entry->nameKey, entry->hasIntensity, uid));
 }
 
 QString Object::serialType() const
@@ -125,11 +130,11 @@ QJsonObject Object::toJson() const
 
 std::shared_ptr<Object> Object::fromJson(const QJsonObject& json, Serialize::JsonReader& reader, const QString& where, int depth)
 {
-    const QString id = reader.string(json, QStringLiteral("id"), where, 64);
-    const QString uid = reader.string(json, QStringLiteral("uid"), where, 64);
+    const QString id = reader.string(json, QLatin1String("id"), where, 64);
+    const QString uid = reader.string(json, QLatin1String("uid"), where, 64);
     if (!reader.ok())
         return nullptr;
-    std::shared_ptr<Object> effect = create(id);
+    std::shared_ptr<Object> effect = make(id, uid);
     if (!effect) {
         reader.fail(Serialize::JsonReader::path(where, QStringLiteral("id")), QCoreApplication::translate("Project", "unknown effect \"%1\"").arg(id));
         return nullptr;
@@ -138,18 +143,17 @@ std::shared_ptr<Object> Object::fromJson(const QJsonObject& json, Serialize::Jso
         reader.fail(Serialize::JsonReader::path(where, QStringLiteral("uid")), QCoreApplication::translate("Project", "empty"));
         return nullptr;
     }
-    effect->m_uid = uid;
     if (effect->m_hasIntensity)
-        effect->m_intensity = reader.number(json, QStringLiteral("intensity"), where, 0.0, 1.0, 1.0, false);
-    effect->m_bypass = reader.boolean(json, QStringLiteral("bypass"), where, false);
+        effect->m_intensity = reader.number(json, QLatin1String("intensity"), where, 0.0, 1.0, 1.0, false);
+    effect->m_bypass = reader.boolean(json, QLatin1String("bypass"), where, false);
     if (effect->hasAngle()) {
-        const qint64 angle = reader.integer(json, QStringLiteral("angle"), where, 0, 270, 0);
+        const qint64 angle = reader.integer(json, QLatin1String("angle"), where, 0, 270, 0);
         if (angle % 90)
             reader.fail(Serialize::JsonReader::path(where, QStringLiteral("angle")), QCoreApplication::translate("Project", "not a quarter turn"));
         effect->m_angle = int(angle);
     }
     if (effect->hasCropTransform()) {
-        const QJsonArray m = reader.array(json, QStringLiteral("crop"), where, 6);
+        const QJsonArray m = reader.array(json, QLatin1String("crop"), where, 6);
         double v[6] = {1, 0, 0, 1, 0, 0};
         for (int i = 0; i < 6 && reader.ok(); ++i) {
             v[i] = m.at(i).toDouble(qQNaN());
@@ -166,7 +170,7 @@ std::shared_ptr<Object> Object::fromJson(const QJsonObject& json, Serialize::Jso
             reader.fail(innerWhere, QCoreApplication::translate("Project", "groups nested too deep"));
             return nullptr;
         }
-        const QJsonArray inner = reader.array(json, QStringLiteral("effects"), where, kMaxInnerEffects);
+        const QJsonArray inner = reader.array(json, QLatin1String("effects"), where, kMaxInnerEffects);
         for (int i = 0; i < inner.size() && reader.ok(); ++i) {
             const QString w = Serialize::JsonReader::path(innerWhere, i);
             if (auto child = fromJson(reader.element(inner, i, innerWhere), reader, w, depth + 1))
@@ -184,8 +188,8 @@ QString catalogueText(const QString& id, QString CatalogueEntry::*field)
 }
 } // namespace
 
-EffectsHolder::EffectsHolder()
-    : Object(Id::Group, catalogueText(Id::Group, &CatalogueEntry::tag), catalogueText(Id::Group, &CatalogueEntry::nameKey), false)
+EffectsHolder::EffectsHolder(const QString& uid)
+    : Object(Id::Group, catalogueText(Id::Group, &CatalogueEntry::tag), catalogueText(Id::Group, &CatalogueEntry::nameKey), false, uid)
 {
 }
 

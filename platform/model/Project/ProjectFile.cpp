@@ -149,7 +149,7 @@ bool parse(const QByteArray& bytes, const QString& path, Loaded* loaded, QString
         return refuse(QCoreApplication::translate("Project", "The file is not a Klipvane project."));
 
     Serialize::JsonReader reader;
-    const qint64 version = reader.integer(root, QStringLiteral("version"), QString(), 0, std::numeric_limits<int>::max(), 0);
+    const qint64 version = reader.integer(root, QLatin1String("version"), QString(), 0, std::numeric_limits<int>::max(), 0);
     if (reader.ok() && version > kFormatVersion)
         return refuse(QCoreApplication::translate("Project", "The project was saved by a newer version of Klipvane (format %1); this version reads format %2 and older.")
                           .arg(version)
@@ -157,13 +157,13 @@ bool parse(const QByteArray& bytes, const QString& path, Loaded* loaded, QString
 
     Loaded result;
     Timeline::TimelineModel::Content& content = result.content;
-    const QJsonObject video = reader.object(root, QStringLiteral("video"), QString());
+    const QJsonObject video = reader.object(root, QLatin1String("video"), QString());
     const QString videoWhere = QStringLiteral("video");
-    const int width = int(reader.integer(video, QStringLiteral("width"), videoWhere, 16, 16384, 1920));
-    const int height = int(reader.integer(video, QStringLiteral("height"), videoWhere, 16, 16384, 1080));
+    const int width = int(reader.integer(video, QLatin1String("width"), videoWhere, 16, 16384, 1920));
+    const int height = int(reader.integer(video, QLatin1String("height"), videoWhere, 16, 16384, 1080));
     content.video.setFrameSize(width, height);
-    content.video.setFrameRate(reader.number(video, QStringLiteral("frameRate"), videoWhere, 1.0, 1000.0, 25.0));
-    const QJsonArray aspect = reader.array(video, QStringLiteral("aspect"), videoWhere, 2, false);
+    content.video.setFrameRate(reader.number(video, QLatin1String("frameRate"), videoWhere, 1.0, 1000.0, 25.0));
+    const QJsonArray aspect = reader.array(video, QLatin1String("aspect"), videoWhere, 2, false);
     if (!aspect.isEmpty()) {
         const int x = aspect.at(0).toInt(0), y = aspect.size() > 1 ? aspect.at(1).toInt(0) : 0;
         if (x < 1 || y < 1 || x > 1000 || y > 1000)
@@ -172,7 +172,7 @@ bool parse(const QByteArray& bytes, const QString& path, Loaded* loaded, QString
             content.video.setFrameAspect(x, y);
     }
 
-    const QJsonArray tracks = reader.array(root, QStringLiteral("tracks"), QString(), 64);
+    const QJsonArray tracks = reader.array(root, QLatin1String("tracks"), QString(), 64);
     for (int i = 0; i < tracks.size() && reader.ok(); ++i) {
         const QString kind = tracks.at(i).toString();
         if (kind == QLatin1String("video"))
@@ -184,16 +184,16 @@ bool parse(const QByteArray& bytes, const QString& path, Loaded* loaded, QString
     }
 
     const QDir folder = QFileInfo(path).absoluteDir();
-    const QJsonArray media = reader.array(root, QStringLiteral("media"), QString(), 100000);
+    const QJsonArray media = reader.array(root, QLatin1String("media"), QString(), 100000);
     QStringList resolvedPaths;
     for (int i = 0; i < media.size() && reader.ok(); ++i) {
         const QString where = Serialize::JsonReader::path(QStringLiteral("media"), i);
         const QJsonObject o = reader.element(media, i, QStringLiteral("media"));
         MediaEntry entry;
-        entry.path = reader.string(o, QStringLiteral("path"), where);
-        entry.relative = reader.string(o, QStringLiteral("relative"), where, 4096, false);
-        entry.size = reader.integer(o, QStringLiteral("size"), where, 0, std::numeric_limits<qint64>::max() / 2, -1, false);
-        const QString modified = reader.string(o, QStringLiteral("modified"), where, 64, false);
+        entry.path = reader.string(o, QLatin1String("path"), where);
+        entry.relative = reader.string(o, QLatin1String("relative"), where, 4096, false);
+        entry.size = reader.integer(o, QLatin1String("size"), where, 0, std::numeric_limits<qint64>::max() / 2, -1, false);
+        const QString modified = reader.string(o, QLatin1String("modified"), where, 64, false);
         if (!reader.ok())
             break;
         if (!QDir::isAbsolutePath(entry.path)) {
@@ -214,7 +214,7 @@ bool parse(const QByteArray& bytes, const QString& path, Loaded* loaded, QString
         result.media << entry;
     }
 
-    const QJsonArray clips = reader.array(root, QStringLiteral("clips"), QString(), 1000000);
+    const QJsonArray clips = reader.array(root, QLatin1String("clips"), QString(), 1000000);
     content.clips.reserve(size_t(clips.size()));
     // "clips[i]" is rewritten in one buffer rather than formatted anew for each clip:
     // formatting it was a twentieth of a large load.

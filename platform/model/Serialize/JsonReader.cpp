@@ -22,20 +22,22 @@ QString JsonReader::path(const QString& where, int index)
     return QStringLiteral("%1[%2]").arg(where).arg(index);
 }
 
-bool JsonReader::present(const QJsonObject& o, const QString& key, const QString& where, bool required, QJsonValue& v)
+bool JsonReader::present(const QJsonObject& o, QLatin1String key, const QString& where, bool required, QJsonValue& v)
 {
     if (!ok())
         return false;
     // One lookup per field: loading a large project reads hundreds of thousands of them.
     v = o.value(key);
-    if (!v.isUndefined())
+    if (!v.isUndefined()) {
+        ++m_found;
         return true;
+    }
     if (required)
         fail(path(where, key), QCoreApplication::translate("Project", "missing"));
     return false;
 }
 
-QJsonObject JsonReader::object(const QJsonObject& o, const QString& key, const QString& where, bool required)
+QJsonObject JsonReader::object(const QJsonObject& o, QLatin1String key, const QString& where, bool required)
 {
     QJsonValue v;
     if (!present(o, key, where, required, v))
@@ -45,7 +47,7 @@ QJsonObject JsonReader::object(const QJsonObject& o, const QString& key, const Q
     return v.toObject();
 }
 
-QJsonArray JsonReader::array(const QJsonObject& o, const QString& key, const QString& where, int maxCount, bool required)
+QJsonArray JsonReader::array(const QJsonObject& o, QLatin1String key, const QString& where, int maxCount, bool required)
 {
     QJsonValue v;
     if (!present(o, key, where, required, v))
@@ -62,7 +64,7 @@ QJsonArray JsonReader::array(const QJsonObject& o, const QString& key, const QSt
     return a;
 }
 
-QString JsonReader::string(const QJsonObject& o, const QString& key, const QString& where, int maxLength, bool required)
+QString JsonReader::string(const QJsonObject& o, QLatin1String key, const QString& where, int maxLength, bool required)
 {
     QJsonValue v;
     if (!present(o, key, where, required, v))
@@ -79,7 +81,7 @@ QString JsonReader::string(const QJsonObject& o, const QString& key, const QStri
     return s;
 }
 
-double JsonReader::number(const QJsonObject& o, const QString& key, const QString& where, double min, double max,
+double JsonReader::number(const QJsonObject& o, QLatin1String key, const QString& where, double min, double max,
                           double fallback, bool required)
 {
     QJsonValue v;
@@ -94,7 +96,7 @@ double JsonReader::number(const QJsonObject& o, const QString& key, const QStrin
     return d;
 }
 
-qint64 JsonReader::integer(const QJsonObject& o, const QString& key, const QString& where, qint64 min, qint64 max,
+qint64 JsonReader::integer(const QJsonObject& o, QLatin1String key, const QString& where, qint64 min, qint64 max,
                            qint64 fallback, bool required)
 {
     QJsonValue v;
@@ -108,7 +110,7 @@ qint64 JsonReader::integer(const QJsonObject& o, const QString& key, const QStri
     return qint64(d);
 }
 
-bool JsonReader::boolean(const QJsonObject& o, const QString& key, const QString& where, bool fallback)
+bool JsonReader::boolean(const QJsonObject& o, QLatin1String key, const QString& where, bool fallback)
 {
     QJsonValue v;
     if (!present(o, key, where, false, v))

@@ -2,6 +2,7 @@
 
 #include <Project/ProjectFile.h>
 
+#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QProcess>
@@ -79,6 +80,17 @@ class tst_ProjectFile : public QObject
         timeline.setVideo(video);
     }
 
+    // The document of a small project to be saved at `path` (its media made beside it),
+    // edited by `mutation`.
+    QJsonObject editedProject(const QString& path, const Mutation& mutation)
+    {
+        TimelineModel timeline;
+        makeProject(timeline, QFileInfo(path).path());
+        QJsonObject root = QJsonDocument::fromJson(Project::serialize(timeline, path)).object();
+        mutation(root);
+        return root;
+    }
+
 private slots:
     void roundTrip()
     {
@@ -135,6 +147,45 @@ private slots:
             missing += clip->isMediaMissing();
         QCOMPARE(missing, 1);
         QVERIFY(reopened.isMissing(folder + "/media/b.mp3"));
+    }
+
+    // Optional clip fields are read however many other keys a clip has, known or not: the
+    // loader stops looking for them only once every key of the clip was read.
+    void optionalFields_data()
+    {
+        QTest::addColumn<Mutation>("mutation");
+        QTest::newRow("as saved") << firstClip([](QJsonObject&) {});
+        QTest::newRow("an unknown key only") << firstClip([](QJsonObject& c) { c["comment"] = "x"; });
+        QTest::newRow("unknown keys around the last optional one") << firstClip([](QJsonObject& c) {
+            c["aaa"] = 1;
+            c["zzz"] = true;
+            c["speedCompensated"] = true;
+        });
+        QTest::newRow("without media, the rest found") << firstClip([](QJsonObject& c) {
+            c.remove("media");
+            c["reversed"] = true;
+            c["videoTrack"] = 2;
+            c["text"] = "Title";
+        });
+    }
+
+    void optionalFields()
+    {
+        QFETCH(Mutation, mutation);
+        const QString path = m_dir.filePath("optional/p.kvproj");
+        const QJsonObject root = editedProject(path, mutation);
+        const QJsonObject edited = root.value("clips").toArray().at(0).toObject();
+        QVERIFY(writeFile(path, QJsonDocument(root).toJson()));
+        Project::Loaded loaded;
+        QString error;
+        QVERIFY2(Project::load(path, &loaded, &error), qPrintable(error));
+        const Clip& clip = *loaded.content.clips.at(0);
+        QCOMPARE(clip.timing().isReversed(), edited.value("reversed").toBool());
+        QCOMPARE(clip.timing().isSpeedCompensated(), edited.value("speedCompensated").toBool());
+        QCOMPARE(clip.currentVideoTrackIndex(), edited.value("videoTrack").toInt());
+        QCOMPARE(clip.text(), edited.value("text").toString());
+        QCOMPARE(clip.mediaPath().isEmpty(), !edited.contains("media"));
+        QCOMPARE(int(clip.effects().size()), edited.value("effects").toArray().size());
     }
 
     // Every damaged file is refused with a reason that names the problem.
@@ -214,12 +265,8 @@ private slots:
         QFETCH(Mutation, mutation);
         QFETCH(QByteArray, replacement);
         QFETCH(QString, reason);
-        TimelineModel timeline;
-        const QString folder = m_dir.filePath("corrupt");
-        makeProject(timeline, folder);
-        QJsonObject root = QJsonDocument::fromJson(Project::serialize(timeline, folder + "/p.kvproj")).object();
-        mutation(root);
-        const QString path = folder + "/p.kvproj";
+        const QString path = m_dir.filePath("corrupt/p.kvproj");
+        const QJsonObject root = editedProject(path, mutation);
         QVERIFY(writeFile(path, replacement.isEmpty() ? QJsonDocument(root).toJson() : replacement));
         Project::Loaded loaded;
         QString error;
