@@ -19,6 +19,9 @@ HostOptions HostOptions::take(QStringList& arguments)
         {QStringLiteral("--save-portable"), [&](const QString& v) { options.savePortablePath = v; }},
         {QStringLiteral("--thumbnails-to"), [&](const QString& v) { options.thumbnailsDir = v; }},
         {QStringLiteral("--thumbnail-size"), [&](const QString& v) { options.thumbnailSize = v.toInt(); }},
+        {QStringLiteral("--play-ms"), [&](const QString& v) { options.playMs = v.toInt(); }},
+        {QStringLiteral("--preview-at"), [&](const QString& v) { options.previewAtMs = v.toInt(); }},
+        {QStringLiteral("--preview-frame-to"), [&](const QString& v) { options.previewFrameTo = v; }},
     };
     const std::map<QString, std::function<void()>> flags{
         {QStringLiteral("--place-on-timeline"), [&] { options.placeOnTimeline = true; }},
@@ -75,6 +78,10 @@ QString HostOptions::usage()
         "                             --find-missing, the same for a project opened with missing\n"
         "                             media, its result taken when the search ends\n"
         "  --show-file <path>         reveal the file in the file manager once ready\n"
+        "  --play-ms <n>              play the timeline from its start for n ms once the named\n"
+        "                             media are placed (with --place-on-timeline), then quit\n"
+        "  --preview-at <ms>          move the playhead there once they are placed\n"
+        "  --preview-frame-to <png>   then save the preview's frame there and quit\n"
         "  -h, --help                 print this help and exit\n"
         "  -v, --version              print the version and exit\n");
 }

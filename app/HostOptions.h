@@ -22,6 +22,9 @@ struct HostOptions
     bool placeOnTimeline = false; // --place-on-timeline: put the named media on the timeline once opened
     QString savePortablePath;   // --save-portable <file.kvproj>: ...or a portable project (media copied beside it)
     QString saveProjectPath;    // --save-project <file.kvproj>: then save the project there and quit
+    int playMs = -1;            // --play-ms <n>: play the timeline from its start for n ms once placed, then quit
+    int previewAtMs = -1;       // --preview-at <ms>: move the playhead there once placed
+    QString previewFrameTo;     // --preview-frame-to <png>: save the preview's frame (after the above) and quit
 
     // Removes the host options from `arguments` (element 0 is the program) and returns them.
     static HostOptions take(QStringList& arguments);

@@ -8,6 +8,7 @@
 #include "ImportMenu.h"
 #include "MainWindow.h"
 #include "MediaBin.h"
+#include "PreviewScript.h"
 #include "ProjectController.h"
 #include "SecondLaunch.h"
 #include "ThumbnailExport.h"
@@ -169,13 +170,17 @@ int main(int argc, char** argv)
     if (options.findMissingList.isEmpty() && !options.searchFolder.isEmpty())
         project.setRelinkFolder(options.searchFolder);
 
+    // The preview above the timeline, and what the host options ask of it.
+    PreviewScript previewScript(installPreview(&window, project), options);
+
     window.show();
     PubSub::publish(Command::ReadyNotification());
     const QStringList namedFiles = project.takeNamedFiles();
     const bool portable = !options.savePortablePath.isEmpty();
     const QString savePath = portable ? options.savePortablePath : options.saveProjectPath;
-    if (options.placeOnTimeline || !savePath.isEmpty()) {
+    if (options.placeOnTimeline || !savePath.isEmpty() || previewScript.hasWork()) {
         project.placeWhenOpened(options.placeOnTimeline ? namedFiles : QStringList(), [&, portable, savePath] {
+            previewScript.start();
             if (savePath.isEmpty())
                 return;
             QString why;
