@@ -251,13 +251,14 @@ void PreviewArea::show(const DecodedFrame& frame)
     if (frame.request.serial != m_requested)
         return;
     m_requestedClip.clear();
+    if (!frame.image.isNull()) {
+        m_frameImage = frame.image;
+        m_frame = std::make_shared<const QPixmap>(QPixmap::fromImage(frame.image));
+        m_playback->frameShown(qint64(std::floor(double(frame.request.timelineUs) * m_playback->frameRate() / 1e6 + 1e-6)));
+        m_sceneEditor.scheduleUpdateBackground(true);
+    }
+    // Last: whoever waits for the frame finds it in place.
     m_playback->setWaiting(false);
-    if (frame.image.isNull())
-        return;
-    m_frameImage = frame.image;
-    m_frame = std::make_shared<const QPixmap>(QPixmap::fromImage(frame.image));
-    m_playback->frameShown(qint64(std::floor(double(frame.request.timelineUs) * m_playback->frameRate() / 1e6 + 1e-6)));
-    m_sceneEditor.scheduleUpdateBackground(true);
 }
 
 void PreviewArea::placeBackground()

@@ -58,7 +58,7 @@ void PreviewScript::start()
     if (m_playMs >= 0) {
         m_preview->playback().seek(MediaTime(), Playback::SeekFlag::Exact);
         m_preview->playback().play();
-        QTimer::singleShot(m_playMs, this, [this] {
+        QTimer::singleShot(m_playMs, Qt::PreciseTimer, this, [this] {
             m_preview->playback().pause();
             saveFrameAndQuit();
         });

@@ -119,21 +119,13 @@ public:
         const bool farAhead = m_currentPts >= 0 && timeUs > std::max(m_currentPts, m_nextPts) + ForwardDecodeLimitUs;
         if (behind || farAhead)
             seek(timeUs);
-        // Decode on until the next frame starts after the asked time.
-        while (!m_ended && (m_nextPts < 0 || m_nextPts <= timeUs)) {
-            if (m_nextPts >= 0) {
-                std::swap(m_current, m_next);
-                m_currentPts = m_nextPts;
-                m_nextPts = -1;
-            }
-            if (!decodeNext())
-                break;
-        }
-        // The stream ended right after it, or its first frame starts after the asked time.
-        if (m_nextPts >= 0 && (m_nextPts <= timeUs || m_currentPts < 0)) {
-            std::swap(m_current, m_next);
-            m_currentPts = m_nextPts;
-            m_nextPts = -1;
+        decodeUpTo(timeUs);
+        if (m_currentPts < 0 && timeUs > 0) {
+            // Nothing from the key frame on: it lies where the file is damaged or cut off;
+            // decode from the start instead, up to where it breaks, and show the last frame
+            // that could be decoded.
+            seek(0);
+            decodeUpTo(timeUs);
         }
         if (m_currentPts < 0) {
             result.error = InputCorruptedOrMissing;
@@ -150,6 +142,26 @@ public:
         if (result.image.isNull() && result.error == 0)
             result.error = UnknownError;
         return result;
+    }
+
+    // Decodes on until the next frame starts after `timeUs`.
+    void decodeUpTo(qint64 timeUs)
+    {
+        while (!m_ended && (m_nextPts < 0 || m_nextPts <= timeUs)) {
+            if (m_nextPts >= 0) {
+                std::swap(m_current, m_next);
+                m_currentPts = m_nextPts;
+                m_nextPts = -1;
+            }
+            if (!decodeNext())
+                break;
+        }
+        // The stream ended right after it, or its first frame starts after the asked time.
+        if (m_nextPts >= 0 && (m_nextPts <= timeUs || m_currentPts < 0)) {
+            std::swap(m_current, m_next);
+            m_currentPts = m_nextPts;
+            m_nextPts = -1;
+        }
     }
 
 private:
