@@ -128,6 +128,7 @@ PreviewArea::PreviewArea(Timeline::TimelineModel* timeline, QWidget* parent)
 
 PreviewArea::~PreviewArea()
 {
+    emit closing();
     m_editor.playheadMarker()->removeObserver(this);
     m_tracker.reset();
     m_playback.reset();

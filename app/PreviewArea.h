@@ -45,6 +45,8 @@ public:
 signals:
     // A decoded frame reached the scene.
     void frameShown();
+    // First thing in the destructor: the playhead and the playback still exist.
+    void closing();
 
 private:
     void playheadPositionChanged(Composition::IMarker& marker, Composition::MarkerChangeReason reason) override;

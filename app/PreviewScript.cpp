@@ -31,7 +31,10 @@ PreviewArea* installPreview(MainWindow* window, ProjectController& project)
         window->splitDockWidget(dock, timelineDock, Qt::Vertical);
     }
     project.panel()->setPlayhead(preview->editor().playheadMarker());
-    QObject::connect(preview, &QObject::destroyed, project.panel(), [panel = project.panel()] { panel->setPlayhead(nullptr); });
+    // The playhead lives in the preview: the panel lets go of it before it goes.
+    QObject::connect(preview, &PreviewArea::closing, project.panel(), [panel = project.panel()] { panel->setPlayhead(nullptr); });
+    // The window outlives the project in the host; the preview must not outlive its timeline.
+    QObject::connect(project.timeline(), &QObject::destroyed, dock, [dock] { delete dock; });
     auto* playPause = new QShortcut(QKeySequence(Qt::Key_Space), window);
     playPause->setObjectName(QStringLiteral("playPauseShortcut"));
     QObject::connect(playPause, &QShortcut::activated, preview, [preview] { preview->playback().toggle(); });

@@ -73,7 +73,7 @@ int floorRun(const char* path, int count)
                 avcodec_send_packet(decoder, packet);
             av_packet_unref(packet);
             while (!found && avcodec_receive_frame(decoder, frame) == 0) {
-                const int64_t duration = frame->duration > 0 ? frame->duration : 1;
+                const int64_t duration = frame->pkt_duration > 0 ? frame->pkt_duration : 1;
                 found = frame->best_effort_timestamp + duration > target;
                 av_frame_unref(frame);
             }
