@@ -8,6 +8,7 @@
 #include <QtTest>
 
 #include "HostProcess.h"
+#include "PreviewMedia.h"
 
 class TestKlipvanePreview : public QObject
 {
@@ -17,34 +18,13 @@ class TestKlipvanePreview : public QObject
     QString m_video;   // 3 s, red left half, blue right half, noisy so that half its bytes hold frames
     QString m_cut;     // its first half only
 
-    static int runHost(const QTemporaryDir& home, const QStringList& arguments, QByteArray& log)
-    {
-        QProcess host;
-        host.setProcessEnvironment(KvTest::hostEnvironment(home));
-        host.setProcessChannelMode(QProcess::MergedChannels);
-        host.start(KvTest::builtProgram(QStringLiteral("klipvane")), arguments);
-        if (!host.waitForFinished(60000)) {
-            host.kill();
-            host.waitForFinished();
-            return -1;
-        }
-        log = host.readAll();
-        return host.exitStatus() == QProcess::NormalExit ? host.exitCode() : -1;
-    }
-
 private slots:
     void initTestCase()
     {
-        if (QStandardPaths::findExecutable(QStringLiteral("ffmpeg")).isEmpty())
+        if (!PreviewMedia::available())
             QSKIP("ffmpeg is not installed; no media");
         m_video = m_folder.filePath(QStringLiteral("halves.mp4"));
-        QProcess ffmpeg;
-        ffmpeg.start(QStringLiteral("ffmpeg"),
-                     {"-nostdin", "-loglevel", "error", "-y", "-f", "lavfi", "-i",
-                      "color=c=red:s=640x360:r=25:d=3,drawbox=x=320:y=0:w=320:h=360:color=blue:t=fill,noise=alls=20:allf=t",
-                      "-c:v", "libx264", "-preset", "ultrafast", "-g", "25", "-pix_fmt", "yuv420p",
-                      "-movflags", "+faststart", m_video});
-        QVERIFY(ffmpeg.waitForFinished(60000) && ffmpeg.exitCode() == 0);
+        QVERIFY(PreviewMedia::makeHalves(m_video, 3));
         QFile whole(m_video);
         QVERIFY(whole.open(QIODevice::ReadOnly));
         const QByteArray bytes = whole.readAll();
@@ -59,7 +39,7 @@ private slots:
         QTemporaryDir home;
         const QString png = home.filePath(QStringLiteral("frame.png"));
         QByteArray log;
-        QCOMPARE(runHost(home, {"--place-on-timeline", "--play-ms", "1000", "--preview-frame-to", png, m_video}, log), 0);
+        QCOMPARE(KvTest::runHostToEnd(home, {"--place-on-timeline", "--play-ms", "1000", "--preview-frame-to", png, m_video}, log), 0);
         const QStringList playback = KvTest::logged(log, QStringLiteral("playback: "));
         QVERIFY2(playback.size() >= 2, log.constData());
         QCOMPARE(playback.at(0), QStringLiteral("started at 0"));
@@ -87,7 +67,7 @@ private slots:
         QTemporaryDir home;
         const QString png = home.filePath(QStringLiteral("frame.png"));
         QByteArray log;
-        QCOMPARE(runHost(home, {"--place-on-timeline", "--preview-at", QString::number(atMs), "--preview-frame-to", png, m_cut},
+        QCOMPARE(KvTest::runHostToEnd(home, {"--place-on-timeline", "--preview-at", QString::number(atMs), "--preview-frame-to", png, m_cut},
                          log), 0);
         QVERIFY2(QImage(png).size() == QSize(800, 450), log.constData());
         if (atMs > 2000)

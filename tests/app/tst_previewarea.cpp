@@ -2,6 +2,7 @@
 // intensity and bypass, playback moving the playhead, a clip removed while decoded.
 
 #include "PreviewArea.h"
+#include "PreviewMedia.h"
 
 #include <Effect/Effect.h>
 #include <Media/File.h>
@@ -35,15 +36,10 @@ class tst_PreviewArea : public QObject
 private slots:
     void initTestCase()
     {
-        if (QStandardPaths::findExecutable(QStringLiteral("ffmpeg")).isEmpty())
+        if (!PreviewMedia::available())
             QSKIP("ffmpeg is not installed; no media");
         m_video = m_folder.filePath(QStringLiteral("halves.mp4"));
-        QProcess ffmpeg;
-        ffmpeg.start(QStringLiteral("ffmpeg"),
-                     {"-nostdin", "-loglevel", "error", "-y", "-f", "lavfi", "-i",
-                      "color=c=red:s=640x360:r=25:d=2,drawbox=x=320:y=0:w=320:h=360:color=blue:t=fill",
-                      "-c:v", "libx264", "-preset", "ultrafast", "-pix_fmt", "yuv420p", m_video});
-        QVERIFY(ffmpeg.waitForFinished(60000) && ffmpeg.exitCode() == 0);
+        QVERIFY(PreviewMedia::makeHalves(m_video, 2));
     }
 
     void init()
