@@ -116,7 +116,8 @@ public:
         VideoFrame result;
         timeUs = std::max<qint64>(0, timeUs);
         const bool behind = m_currentPts < 0 || timeUs < m_currentPts;
-        const bool farAhead = m_currentPts >= 0 && timeUs > std::max(m_currentPts, m_nextPts) + ForwardDecodeLimitUs;
+        const bool farAhead = m_currentPts >= 0 && timeUs > std::max(m_currentPts, m_nextPts) + ForwardDecodeLimitUs
+            && keyFrameBetween(std::max(m_currentPts, m_nextPts), timeUs);
         if (behind || farAhead)
             seek(timeUs);
         decodeUpTo(timeUs);
@@ -142,6 +143,20 @@ public:
         if (result.image.isNull() && result.error == 0)
             result.error = UnknownError;
         return result;
+    }
+
+    // Whether a key frame lies after `fromUs` and at or before `toUs`. Without one, a seek
+    // would land behind the decoded position and decode everything again: a decoder that
+    // fell behind during playback with long key-frame intervals would never catch up. A
+    // stream without an index is taken to have one.
+    bool keyFrameBetween(qint64 fromUs, qint64 toUs) const
+    {
+        const int64_t target = m_startTs + av_rescale_q(toUs, AVRational{1, 1000000}, m_stream->time_base);
+        const int index = av_index_search_timestamp(m_stream, target, AVSEEK_FLAG_BACKWARD);
+        const AVIndexEntry* entry = index >= 0 ? avformat_index_get_entry(m_stream, index) : nullptr;
+        if (!entry)
+            return avformat_index_get_entries_count(m_stream) == 0;
+        return av_rescale_q(entry->timestamp - m_startTs, m_stream->time_base, AVRational{1, 1000000}) > fromUs;
     }
 
     // Decodes on until the next frame starts after `timeUs`.
