@@ -30,6 +30,9 @@ HostOptions HostOptions::take(QStringList& arguments)
         {QStringLiteral("--hang-with-opengl"), [&](const QString& v) { options.hangWithOpengl = v; }},
         {QStringLiteral("--apply-effect"), [&](const QString& v) { options.applyEffect = v; }},
         {QStringLiteral("--clip-actions"), [&](const QString& v) { options.clipActions = v; }},
+        {QStringLiteral("--play-ms"), [&](const QString& v) { options.playMs = v.toInt(); }},
+        {QStringLiteral("--preview-at"), [&](const QString& v) { options.previewAtMs = v.toInt(); }},
+        {QStringLiteral("--preview-frame-to"), [&](const QString& v) { options.previewFrameTo = v; }},
     };
     const std::map<QString, std::function<void()>> flags{
         {QStringLiteral("--place-on-timeline"), [&] { options.placeOnTimeline = true; }},
@@ -96,6 +99,10 @@ QString HostOptions::usage()
         "  --inhibit-ms <n>           keep the desktop awake for n ms once ready, then release\n"
         "  --crash-with-opengl <kind> abort before ready when rendering with that OpenGL (tests)\n"
         "  --hang-with-opengl <kind>  hang before ready when rendering with that OpenGL (tests)\n"
+        "  --play-ms <n>              play the timeline from its start for n ms once the named\n"
+        "                             media are placed (with --place-on-timeline), then quit\n"
+        "  --preview-at <ms>          move the playhead there once they are placed\n"
+        "  --preview-frame-to <png>   then save the preview's frame there and quit\n"
         "  -h, --help                 print this help and exit\n"
         "  -v, --version              print the version and exit\n");
 }

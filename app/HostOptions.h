@@ -31,6 +31,9 @@ struct HostOptions
     QString applyEffect;        // --apply-effect <id>: after --place-on-timeline, put the effect on every clip
     QString clipActions;        // --clip-actions <list>: ...and change them: speed=<x>,reverse,tone,stabilize
     bool acceptAspect = false;  // --accept-aspect: click "Change" in the aspect offer when it comes
+    int playMs = -1;            // --play-ms <n>: play the timeline from its start for n ms once placed, then quit
+    int previewAtMs = -1;       // --preview-at <ms>: move the playhead there once placed
+    QString previewFrameTo;     // --preview-frame-to <png>: save the preview's frame (after the above) and quit
 
     // Removes the host options from `arguments` (element 0 is the program) and returns them.
     static HostOptions take(QStringList& arguments);

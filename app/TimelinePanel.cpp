@@ -64,7 +64,7 @@ QString timeText(double seconds)
 } // namespace
 
 // The drawing surface inside the scroll area; its size follows the timeline's length.
-class TimelineView : public QWidget, public TimelineWatcher
+class TimelineView : public QWidget, public TimelineWatcher, public Composition::IMarkerObserver
 {
 public:
     TimelineView(TimelineModel* timeline, TimelinePanel* panel) : m_timeline(timeline), m_panel(panel)
@@ -76,8 +76,30 @@ public:
         updateExtent();
     }
 
+    ~TimelineView() override { setPlayhead(nullptr); }
+
     double zoom = 12.0;
     TimelinePanel::ThumbnailProvider thumbnails;
+
+    void setPlayhead(Composition::IMarker* marker)
+    {
+        if (m_playhead)
+            m_playhead->removeObserver(this);
+        m_playhead = marker;
+        if (m_playhead)
+            m_playhead->addObserver(this);
+        update();
+    }
+
+    // Only the strips the playhead left and reached are repainted: it moves 25 times a
+    // second during playback.
+    void playheadPositionChanged(Composition::IMarker& marker, Composition::MarkerChangeReason) override
+    {
+        const int x = xOf(marker.position());
+        update(QRect(m_playheadX - 6, 0, 13, height()));
+        update(QRect(x - 6, 0, 13, height()));
+        m_playheadX = x;
+    }
 
     void updateExtent()
     {
@@ -145,6 +167,13 @@ protected:
             for (int u = 0; u < t; ++u)
                 number += m_timeline->trackKind(u) == m_timeline->trackKind(t);
             p.drawText(header, Qt::AlignCenter, QStringLiteral("%1%2").arg(audio ? QLatin1Char('A') : QLatin1Char('V')).arg(number));
+        }
+        if (m_playhead) {
+            const int x = m_playheadX = xOf(m_playhead->position());
+            p.setPen(QPen(QColor(0xff, 0x4d, 0x4d), 1));
+            p.drawLine(x, 0, x, height());
+            p.setBrush(QColor(0xff, 0x4d, 0x4d));
+            p.drawPolygon(QPolygon({QPoint(x - 5, 0), QPoint(x + 5, 0), QPoint(x, 8)}));
         }
     }
 
@@ -222,6 +251,12 @@ protected:
         if (event->button() != Qt::LeftButton)
             return;
         m_pressAt = event->pos();
+        // The ruler is where the playhead is taken and dragged (scrubbing).
+        if (m_playhead && event->pos().y() < kRulerHeight) {
+            m_scrubbing = true;
+            m_playhead->setPosition(timeAt(event->pos().x()));
+            return;
+        }
         IClip* clip = clipAt(event->pos());
         const bool ctrl = event->modifiers() & Qt::ControlModifier;
         if (!clip) {
@@ -243,6 +278,10 @@ protected:
 
     void mouseMoveEvent(QMouseEvent* event) override
     {
+        if (m_scrubbing) {
+            m_playhead->setPosition(timeAt(event->pos().x()));
+            return;
+        }
         if (m_band && m_band->isVisible()) {
             m_band->setGeometry(QRect(m_pressAt, event->pos()).normalized());
             return;
@@ -265,6 +304,10 @@ protected:
 
     void mouseReleaseEvent(QMouseEvent* event) override
     {
+        if (m_scrubbing) {
+            m_scrubbing = false;
+            return;
+        }
         if (m_band && m_band->isVisible()) {
             const QRect band = m_band->geometry();
             m_band->hide();
@@ -346,6 +389,9 @@ private:
     QList<IClip*> m_dragging;
     QPoint m_dragOffset;
     int m_dragTrackDelta = 0;
+    Composition::IMarker* m_playhead = nullptr;
+    int m_playheadX = 0;
+    bool m_scrubbing = false;
 };
 
 TimelinePanel::TimelinePanel(TimelineModel* timeline, QWidget* parent) : QWidget(parent), m_timeline(timeline)
@@ -399,6 +445,11 @@ void TimelinePanel::setThumbnailProvider(ThumbnailProvider provider)
 {
     m_view->thumbnails = std::move(provider);
     m_view->update();
+}
+
+void TimelinePanel::setPlayhead(Composition::IMarker* playhead)
+{
+    m_view->setPlayhead(playhead);
 }
 
 void TimelinePanel::thumbnailReady(const QString&)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Composition/Marker.h>
 #include <Timeline/TimelineModel.h>
 
 #include <QImage>
@@ -31,6 +32,9 @@ public:
     ~TimelinePanel() override;
 
     void setThumbnailProvider(ThumbnailProvider provider);
+    // The playhead drawn over the tracks and dragged on the ruler (none by default); it
+    // must outlive the panel or be unset first.
+    void setPlayhead(Composition::IMarker* playhead);
     // Pixels per second of timeline.
     double zoom() const;
     void setZoom(double pixelsPerSecond);

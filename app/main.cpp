@@ -12,6 +12,9 @@
 #include "MainWindow.h"
 #include "MediaBin.h"
 #include "PowerSaving.h"
+#include "PreviewArea.h"
+#include "PreviewPlayback.h"
+#include "PreviewScript.h"
 #include "ProjectController.h"
 #include "SecondLaunch.h"
 #include "StallWatch.h"
@@ -203,6 +206,13 @@ extern "C" Q_DECL_EXPORT int klipvaneEditorMain(int argc, char** argv)
     if (options.findMissingList.isEmpty() && !options.searchFolder.isEmpty())
         project.setRelinkFolder(options.searchFolder);
 
+    // The preview above the timeline, and what the host options ask of it.
+    PreviewArea* preview = installPreview(&window, project);
+    PreviewScript previewScript(preview, options);
+    // The screen stays on while the timeline plays, and may blank again on pause.
+    QObject::connect(&preview->playback(), &PreviewPlayback::playbackRunningChanged, &powerSaving,
+                     &PowerSaving::setPlaybackRunning);
+
     window.show();
     PubSub::publish(Command::ReadyNotification());
     // After the first paint: a start with a new OpenGL implementation got this far.
@@ -217,10 +227,11 @@ extern "C" Q_DECL_EXPORT int klipvaneEditorMain(int argc, char** argv)
     const bool portable = !options.savePortablePath.isEmpty();
     const QString savePath = portable ? options.savePortablePath : options.saveProjectPath;
     const bool changeClips = !options.applyEffect.isEmpty() || !options.clipActions.isEmpty();
-    if (options.placeOnTimeline || !savePath.isEmpty() || changeClips) {
+    if (options.placeOnTimeline || !savePath.isEmpty() || changeClips || previewScript.hasWork()) {
         project.placeWhenOpened(options.placeOnTimeline ? namedFiles : QStringList(), [&, portable, savePath, changeClips] {
             if (changeClips)
                 clipServices.applyToAll(options.applyEffect, options.clipActions);
+            previewScript.start();
             if (savePath.isEmpty())
                 return;
             QString why;

@@ -11,7 +11,7 @@ BUILD=${KLIPVANE_BUILD_DIR:-$ROOT/build}
 PACKAGES="build-essential cmake ninja-build ccache pkg-config git
   qtbase5-dev qttools5-dev-tools qttools5-dev libqt5opengl5-dev
   libboost-dev libgoogle-glog-dev
-  libavformat-dev libavcodec-dev libavutil-dev libswscale-dev ffmpeg
+  libavformat-dev libavcodec-dev libavutil-dev libswscale-dev libavfilter-dev ffmpeg
   xvfb xauth clang libclang-rt-dev libsingleapplication-dev ffmpegthumbnailer fonts-dejavu-core
   fonts-wqy-microhei qttranslations5-l10n dbus-daemon"
 

@@ -37,17 +37,7 @@ class TestKlipvaneThumbnails : public QObject
     // Runs the host to its end; its exit code, and its log in `log`.
     static int runHost(const QTemporaryDir& home, const QStringList& arguments, QByteArray& log)
     {
-        QProcess host;
-        host.setProcessEnvironment(KvTest::hostEnvironment(home));
-        host.setProcessChannelMode(QProcess::MergedChannels);
-        host.start(KvTest::builtProgram(QStringLiteral("klipvane")), arguments);
-        if (!host.waitForFinished(60000)) {
-            host.kill();
-            host.waitForFinished();
-            return -1;
-        }
-        log = host.readAll();
-        return host.exitStatus() == QProcess::NormalExit ? host.exitCode() : -1;
+        return KvTest::runHostToEnd(home, arguments, log);
     }
 
 private slots:

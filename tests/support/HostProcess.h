@@ -114,4 +114,21 @@ private:
     QByteArray m_log;
 };
 
+// Runs the host in `home` to its end: its exit code (-1 when it crashed or had to be ended
+// after `timeoutMs`), and everything it wrote in `log`.
+inline int runHostToEnd(const QTemporaryDir& home, const QStringList& arguments, QByteArray& log, int timeoutMs = 60000)
+{
+    QProcess host;
+    host.setProcessEnvironment(hostEnvironment(home));
+    host.setProcessChannelMode(QProcess::MergedChannels);
+    host.start(builtProgram(QStringLiteral("klipvane")), arguments);
+    if (!host.waitForFinished(timeoutMs)) {
+        host.kill();
+        host.waitForFinished();
+        return -1;
+    }
+    log = host.readAll();
+    return host.exitStatus() == QProcess::NormalExit ? host.exitCode() : -1;
+}
+
 } // namespace KvTest
