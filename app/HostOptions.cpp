@@ -19,6 +19,9 @@ HostOptions HostOptions::take(QStringList& arguments)
         {QStringLiteral("--save-portable"), [&](const QString& v) { options.savePortablePath = v; }},
         {QStringLiteral("--thumbnails-to"), [&](const QString& v) { options.thumbnailsDir = v; }},
         {QStringLiteral("--thumbnail-size"), [&](const QString& v) { options.thumbnailSize = v.toInt(); }},
+        {QStringLiteral("--usage-level"), [&](const QString& v) { options.usageLevel = v; }},
+        {QStringLiteral("--usage-log"), [&](const QString& v) { options.usageLog = v; }},
+        {QStringLiteral("--statistics-click"), [&](const QString& v) { options.statisticsClicks << v; }},
     };
     const std::map<QString, std::function<void()>> flags{
         {QStringLiteral("--place-on-timeline"), [&] { options.placeOnTimeline = true; }},
@@ -75,6 +78,11 @@ QString HostOptions::usage()
         "                             --find-missing, the same for a project opened with missing\n"
         "                             media, its result taken when the search ends\n"
         "  --show-file <path>         reveal the file in the file manager once ready\n"
+        "  --usage-level <level>      record usage at this level for this run only: off, basic\n"
+        "                             or detailed (the user's choice in Preferences is kept)\n"
+        "  --usage-log <file>         keep the usage record in this file\n"
+        "  --statistics-click <event> click the control tagged with this event once ready\n"
+        "                             (event@source to pick one source; may be repeated)\n"
         "  -h, --help                 print this help and exit\n"
         "  -v, --version              print the version and exit\n");
 }

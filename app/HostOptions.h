@@ -22,6 +22,9 @@ struct HostOptions
     bool placeOnTimeline = false; // --place-on-timeline: put the named media on the timeline once opened
     QString savePortablePath;   // --save-portable <file.kvproj>: ...or a portable project (media copied beside it)
     QString saveProjectPath;    // --save-project <file.kvproj>: then save the project there and quit
+    QString usageLevel;         // --usage-level <off|basic|detailed>: usage recording for this run only
+    QString usageLog;           // --usage-log <file>: the usage audit log instead of the user's
+    QStringList statisticsClicks; // --statistics-click <event[@source]>: activate that tagged control once ready
 
     // Removes the host options from `arguments` (element 0 is the program) and returns them.
     static HostOptions take(QStringList& arguments);

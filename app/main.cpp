@@ -11,6 +11,8 @@
 #include "ProjectController.h"
 #include "SecondLaunch.h"
 #include "ThumbnailExport.h"
+#include "UsageTracker.h"
+#include "UsageUi.h"
 
 #include <ActionGateway.h>
 #include <CommandProvider.h>
@@ -131,6 +133,18 @@ int main(int argc, char** argv)
         return DialogGallery::render(options.dialogGalleryDir);
     registerActionGateway();
 
+    // Listening before anything can publish a statistics message; recording only with consent.
+    UsageTracker usage(options.usageLog);
+    if (!options.usageLevel.isEmpty()) {
+        const auto level = UsageTracker::levelFromName(options.usageLevel);
+        if (!level) {
+            std::fprintf(stderr, "klipvane: unknown usage level \"%s\" (off, basic or detailed)\n", qPrintable(options.usageLevel));
+            return 2;
+        }
+        usage.setLevel(*level, false);
+    }
+    LOG(INFO) << "statistics: usage level " << UsageTracker::levelName(usage.level()).toStdString();
+
     // Created first: it reads the mode and the files of this launch and holds them until
     // the window announces itself ready.
     CommandProvider provider;
@@ -169,8 +183,16 @@ int main(int argc, char** argv)
     if (options.findMissingList.isEmpty() && !options.searchFolder.isEmpty())
         project.setRelinkFolder(options.searchFolder);
 
+    UsageUi::install(&window, &usage);
+    UsageUi::parseWindow(&window); // last: every page, menu and toolbar is built by now
     window.show();
     PubSub::publish(Command::ReadyNotification());
+    for (const QString& tag : options.statisticsClicks) {
+        QTimer::singleShot(0, &window, [&window, tag] {
+            if (!UsageUi::activateTagged(&window, tag))
+                LOG(WARNING) << "statistics: no control tagged " << tag.toStdString();
+        });
+    }
     const QStringList namedFiles = project.takeNamedFiles();
     const bool portable = !options.savePortablePath.isEmpty();
     const QString savePath = portable ? options.savePortablePath : options.saveProjectPath;
