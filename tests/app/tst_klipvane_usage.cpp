@@ -3,6 +3,8 @@
 
 #include <QtTest>
 
+#include <algorithm>
+
 #include "HostProcess.h"
 
 class TestKlipvaneUsage : public QObject
