@@ -218,6 +218,7 @@ private slots:
         QTest::addColumn<QString>("setup");
         QTest::newRow("a folder where the file should be") << "folder";
         QTest::newRow("read-only file") << "readonly";
+        QTest::newRow("a file where its folder should be") << "parentfile";
         QTest::newRow("damaged lines") << "damaged";
         QTest::newRow("binary garbage") << "garbage";
         QTest::newRow("cut off mid-record") << "truncated";
@@ -225,11 +226,15 @@ private slots:
     void unwritableOrDamagedLog()
     {
         QFETCH(QString, setup);
-        const QString path = logPath("bad-") + setup;
+        QString path = logPath("bad-") + setup;
         const QByteArray good = UsageAuditLog::toLine({QDateTime::currentDateTimeUtc(), QStringLiteral("undo"), QStringLiteral("editMenu"), {}});
         QByteArray content;
         if (setup == QLatin1String("folder")) {
             QVERIFY(QDir().mkpath(path));
+        } else if (setup == QLatin1String("parentfile")) {
+            QFile parent(path);
+            QVERIFY(parent.open(QIODevice::WriteOnly));
+            path += QStringLiteral("/usage.jsonl");
         } else {
             if (setup == QLatin1String("readonly"))
                 content = good;
@@ -259,7 +264,7 @@ private slots:
         if (!content.isEmpty())
             QCOMPARE(readAll(path), content); // never written over
         // Deleting the record starts a fresh, healthy log (when the file can be deleted).
-        if (setup != QLatin1String("folder")) {
+        if (setup != QLatin1String("folder") && setup != QLatin1String("parentfile")) {
             tracker.clearRecords();
             QVERIFY(tracker.records().isEmpty());
             publishClick(QStringLiteral("zoomOut"), QStringLiteral("timelineToolBar"));
