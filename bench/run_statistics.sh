@@ -23,3 +23,13 @@ echo "parse growth 500 -> 5000: $(ratio "$b" "$a" 2)x (goal <= 12x)"
 "$bin/bench_statistics" burst 1000 2>/dev/null
 "$bin/bench_statistics" burst 10000 2>/dev/null
 "$bin/bench_statistics" paced 10000 3 2>/dev/null
+# CALLGRIND=1: instructions executed inside Statistics::parse for 500 and 5,000 controls, the
+# growth without the memory hierarchy's share (valgrind, a minute or two).
+if [ "${CALLGRIND:-0}" = 1 ] && command -v valgrind >/dev/null; then
+    for n in 500 5000; do
+        valgrind --tool=callgrind --callgrind-out-file="$work/cg.$n" "--toggle-collect=Statistics::parse(*" \
+            "$bin/bench_statistics" parse $n >/dev/null 2>&1
+        callgrind_annotate "$work/cg.$n" | awk -v n=$n '/PROGRAM TOTALS/ { gsub(",", "", $1); print $1 > "/dev/stderr"; printf "parse %d: %s instructions\n", n, $1 }' 2>"$work/i$n"
+    done
+    echo "parse instructions growth 500 -> 5000: $(ratio "$(cat "$work/i5000")" "$(cat "$work/i500")" 2)x"
+fi
