@@ -55,6 +55,25 @@ private slots:
         QVERIFY(!written.contains("\"params\"")); // basic: no details
     }
 
+    // The log's folder is a file: one line says so, every click is still recorded (in memory).
+    void unwritableLogIsReportedOnce()
+    {
+        QTemporaryDir home;
+        QFile blocker(home.filePath(QStringLiteral("notAFolder")));
+        QVERIFY(blocker.open(QIODevice::WriteOnly));
+        QProcess host;
+        host.setProcessEnvironment(KvTest::hostEnvironment(home));
+        host.start(KvTest::builtProgram(QStringLiteral("klipvane")),
+                   {"--usage-level", "basic", "--usage-log", blocker.fileName() + QStringLiteral("/usage.jsonl"),
+                    "--statistics-click", "zoomIn", "--statistics-click", "zoomOut", "--statistics-click", "zoomIn",
+                    "--quit-after-ready", "1500"});
+        QVERIFY(host.waitForFinished(60000));
+        QCOMPARE(host.exitCode(), 0);
+        const QByteArray output = host.readAllStandardError();
+        QCOMPARE(output.count("cannot write the usage log"), 1);
+        QCOMPARE(KvTest::logged(output, QStringLiteral("statistics: zoom")).size(), 3);
+    }
+
     void unknownLevelIsRefused()
     {
         QTemporaryDir home;
