@@ -15,8 +15,6 @@ namespace PubSub {
 namespace Details {
 class SubscriberBase;
 }
-template <class T>
-class Subscription;
 } // namespace PubSub
 
 class UsageAuditLog;
