@@ -1,5 +1,6 @@
 #include "CaptureTools.h"
 
+#include <Statistics.h>
 #include <IPCController.h>
 
 #include <QHBoxLayout>
@@ -16,6 +17,8 @@ CaptureTools::CaptureTools(QWidget* parent) : QWidget(parent)
     m_screen->setObjectName(QStringLiteral("runScreenCapture"));
     m_video = new QPushButton(tr("Capture video"));
     m_video->setObjectName(QStringLiteral("runVideoCapture"));
+    Statistics::setEventKey(m_screen, QStringLiteral("runScreenCapture"), QStringLiteral("toolsPage"));
+    Statistics::setEventKey(m_video, QStringLiteral("runVideoCapture"), QStringLiteral("toolsPage"));
     m_status = new QLabel;
     m_status->setObjectName(QStringLiteral("captureStatus"));
 

@@ -33,6 +33,9 @@ HostOptions HostOptions::take(QStringList& arguments)
         {QStringLiteral("--play-ms"), [&](const QString& v) { options.playMs = v.toInt(); }},
         {QStringLiteral("--preview-at"), [&](const QString& v) { options.previewAtMs = v.toInt(); }},
         {QStringLiteral("--preview-frame-to"), [&](const QString& v) { options.previewFrameTo = v; }},
+        {QStringLiteral("--usage-level"), [&](const QString& v) { options.usageLevel = v; }},
+        {QStringLiteral("--usage-log"), [&](const QString& v) { options.usageLog = v; }},
+        {QStringLiteral("--statistics-click"), [&](const QString& v) { options.statisticsClicks << v; }},
     };
     const std::map<QString, std::function<void()>> flags{
         {QStringLiteral("--place-on-timeline"), [&] { options.placeOnTimeline = true; }},
@@ -103,6 +106,11 @@ QString HostOptions::usage()
         "                             media are placed (with --place-on-timeline), then quit\n"
         "  --preview-at <ms>          move the playhead there once they are placed\n"
         "  --preview-frame-to <png>   then save the preview's frame there and quit\n"
+        "  --usage-level <level>      record usage at this level for this run only: off, basic\n"
+        "                             or detailed (the user's choice in Preferences is kept)\n"
+        "  --usage-log <file>         keep the usage record in this file\n"
+        "  --statistics-click <event> click the control tagged with this event once ready\n"
+        "                             (event@source to pick one source; may be repeated)\n"
         "  -h, --help                 print this help and exit\n"
         "  -v, --version              print the version and exit\n");
 }

@@ -34,6 +34,9 @@ struct HostOptions
     int playMs = -1;            // --play-ms <n>: play the timeline from its start for n ms once placed, then quit
     int previewAtMs = -1;       // --preview-at <ms>: move the playhead there once placed
     QString previewFrameTo;     // --preview-frame-to <png>: save the preview's frame (after the above) and quit
+    QString usageLevel;         // --usage-level <off|basic|detailed>: usage recording for this run only
+    QString usageLog;           // --usage-log <file>: the usage audit log instead of the user's
+    QStringList statisticsClicks; // --statistics-click <event[@source]>: activate that tagged control once ready
 
     // Removes the host options from `arguments` (element 0 is the program) and returns them.
     static HostOptions take(QStringList& arguments);

@@ -3,6 +3,7 @@
 #include "DialogGallery.h"
 #include "DialogTrail.h"
 
+#include <Statistics.h>
 #include <Customization.h>
 #include <Dialog/DialogStrategy.h>
 
@@ -77,6 +78,8 @@ void addHelpLinks(QMenu* menu)
         QAction* action = menu->addAction(link.text);
         action->setObjectName(QStringLiteral("helpLink_") + Tavrin::toString(link.key));
         action->setToolTip(Customization::appUrl(link.key));
+        Statistics::setEventKey(action, QStringLiteral("openHelpLink"), QStringLiteral("helpMenu"));
+        Statistics::addEventParam(action, QStringLiteral("link"), Tavrin::toString(link.key));
         // A product without an address for the key keeps the entry, disabled.
         action->setEnabled(!action->toolTip().isEmpty());
         const Tavrin::URLKeys key = link.key;

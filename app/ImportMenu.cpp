@@ -2,6 +2,7 @@
 
 #include "MainWindow.h"
 
+#include <Statistics.h>
 #include <Dialog/MissingFilesDialog/MissingFilesDialog.h>
 #include <FileDialog.h>
 
@@ -44,6 +45,7 @@ void addImport(QMenu* menu, MainWindow& window, const QString& text, const char*
 {
     QAction* action = addEntry(menu, text);
     action->setObjectName(QLatin1String(name));
+    Statistics::setEventKey(action, QString::fromLatin1(name).remove(QStringLiteral("Action")), QStringLiteral("fileMenu"));
     QObject::connect(action, &QAction::triggered, &window, [&window, text, choose] {
         const QStringList files = choose();
         LOG(INFO) << "import: " << files.size() << " file(s) from " << QString(text).remove(QLatin1Char('&')).toStdString();
@@ -82,6 +84,7 @@ void install(MainWindow& window)
     addImport(menu, window, QObject::tr("Import &Image Folder..."), "importImageFolderAction", FileDialog::openDirectoryAllImages);
     QAction* snapshot = addEntry(menu, QObject::tr("Save &Snapshot..."));
     snapshot->setObjectName(QStringLiteral("saveSnapshotAction"));
+    Statistics::setEventKey(snapshot, QStringLiteral("saveSnapshot"), QStringLiteral("fileMenu"));
     QObject::connect(snapshot, &QAction::triggered, &window, [&window] { saveSnapshot(window); });
 }
 

@@ -1,5 +1,6 @@
 #include "MainWindow.h"
 
+#include <Statistics.h>
 #include <EditorCollection/Collection.h>
 #include <Settings/FileDialogPaths.h>
 
@@ -161,13 +162,14 @@ MainWindow::~MainWindow()
 void MainWindow::buildMenus()
 {
     QMenu* view = menuBar()->addMenu(tr("&View"));
-    view->addAction(tr("&Import"), this, [this] { m_pages->setCurrentWidget(m_importPage); });
-    view->addAction(tr("&Tools"), this, [this] { m_pages->setCurrentWidget(m_toolsPage); });
+    auto showPage = [this](QWidget* page) { return [this, page] { m_pages->setCurrentWidget(page); }; };
+    Statistics::setEventKey(view->addAction(tr("&Import"), this, showPage(m_importPage)), QStringLiteral("showImportPage"), QStringLiteral("viewMenu"));
+    Statistics::setEventKey(view->addAction(tr("&Tools"), this, showPage(m_toolsPage)), QStringLiteral("showToolsPage"), QStringLiteral("viewMenu"));
     QToolBar* bar = addToolBar(tr("Pages"));
     bar->setObjectName(QStringLiteral("pagesToolBar"));
     bar->setMovable(false);
-    bar->addAction(tr("Import"), this, [this] { m_pages->setCurrentWidget(m_importPage); });
-    bar->addAction(tr("Tools"), this, [this] { m_pages->setCurrentWidget(m_toolsPage); });
+    Statistics::setEventKey(bar->addAction(tr("Import"), this, showPage(m_importPage)), QStringLiteral("showImportPage"), QStringLiteral("pagesToolBar"));
+    Statistics::setEventKey(bar->addAction(tr("Tools"), this, showPage(m_toolsPage)), QStringLiteral("showToolsPage"), QStringLiteral("pagesToolBar"));
 }
 
 QLabel* MainWindow::makePageTitle(const QString& title)
@@ -193,8 +195,11 @@ void MainWindow::addCollectionPage(const QString& name, const QString& title, QW
     m_pages->addWidget(page);
     m_collectionPages.insert(name, page);
     EditorCollection::CollectionProvider::add(std::make_shared<PageCollection>(name, this, std::move(holds)));
-    if (auto* bar = findChild<QToolBar*>(QStringLiteral("pagesToolBar")))
-        bar->addAction(title, this, [this, name] { showCollectionPage(name); });
+    if (auto* bar = findChild<QToolBar*>(QStringLiteral("pagesToolBar"))) {
+        QAction* action = bar->addAction(title, this, [this, name] { showCollectionPage(name); });
+        Statistics::setEventKey(action, QStringLiteral("showCollectionPage"), QStringLiteral("pagesToolBar"));
+        Statistics::addEventParam(action, QStringLiteral("collection"), name);
+    }
 }
 
 void MainWindow::showCollectionPage(const QString& name)

@@ -2,6 +2,7 @@
 
 #include "BinThumbnails.h"
 
+#include <Statistics.h>
 #include <FileDialog.h>
 
 #include <Dialog/DialogStrategy.h>
@@ -121,6 +122,7 @@ MediaBin::MediaBin(QListWidget* bin, QObject* parent) : QObject(parent), m_bin(b
     connect(m_bin, &QListWidget::itemActivated, this, &MediaBin::showFileInfo);
     auto* remove = new QAction(tr("Remove from project"), m_bin);
     remove->setObjectName(QStringLiteral("removeSelectedAction"));
+    Statistics::setEventKey(remove, QStringLiteral("removeFromProject"), QStringLiteral("mediaBin"));
     remove->setShortcuts({QKeySequence::Delete, Qt::Key_Backspace});
     remove->setShortcutContext(Qt::WidgetShortcut);
     connect(remove, &QAction::triggered, this, &MediaBin::removeSelectedItems);
@@ -227,6 +229,11 @@ void MediaBin::showContextMenu(const QPoint& position)
     remove->setObjectName(QStringLiteral("removeFileAction"));
     QAction* reveal = menu.addAction(tr("Show in File Manager"));
     reveal->setObjectName(QStringLiteral("showFileAction"));
+    const QString source = QStringLiteral("mediaBinContextMenu");
+    Statistics::setEventKey(info, QStringLiteral("fileInformation"), source);
+    Statistics::setEventKey(remove, QStringLiteral("removeFromProject"), source);
+    Statistics::setEventKey(reveal, QStringLiteral("showInFileManager"), source);
+    Statistics::parse(&menu);
     QAction* chosen = menu.exec(m_bin->viewport()->mapToGlobal(position));
     if (chosen == info)
         showFileInfo(item);

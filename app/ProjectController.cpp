@@ -5,6 +5,7 @@
 #include "MediaBin.h"
 #include "TimelinePanel.h"
 
+#include <Statistics.h>
 #include <Dialog/DialogStrategy.h>
 #include <FileDialog.h>
 #include <Media/Thumbnails.h>
@@ -107,32 +108,38 @@ void ProjectController::buildMenus()
     QAction* first = bar->actions().value(0);
     auto* file = new QMenu(tr("&File"), m_window);
     file->setObjectName(QStringLiteral("fileMenu"));
-    file->addAction(tr("&New"), this, [this] { newProject(); }, QKeySequence::New);
-    file->addAction(tr("&Open..."), this, [this] {
+    auto tag = [](QAction* action, const char* event, const QString& source) {
+        Statistics::setEventKey(action, QLatin1String(event), source);
+        return action;
+    };
+    const QString fileMenu = QStringLiteral("fileMenu");
+    const QString editMenu = QStringLiteral("editMenu");
+    tag(file->addAction(tr("&New"), this, [this] { newProject(); }, QKeySequence::New), "newProject", fileMenu);
+    tag(file->addAction(tr("&Open..."), this, [this] {
         const QString path = FileDialog::openProject(QString());
         if (!path.isEmpty())
             openProject(path);
-    }, QKeySequence::Open);
+    }, QKeySequence::Open), "openProject", fileMenu);
     m_recentMenu = file->addMenu(tr("Open &Recent"));
     m_recentMenu->setObjectName(QStringLiteral("recentMenu"));
     connect(m_recentMenu, &QMenu::aboutToShow, this, &ProjectController::fillRecentMenu);
-    file->addAction(tr("&Save"), this, [this] { save(); }, QKeySequence::Save);
-    file->addAction(tr("Save &As..."), this, [this] {
+    tag(file->addAction(tr("&Save"), this, [this] { save(); }, QKeySequence::Save), "saveProject", fileMenu);
+    tag(file->addAction(tr("Save &As..."), this, [this] {
         // The library's dialog remembers the folder and settles the extension.
         const QString path = FileDialog::savingProjectPath(m_path);
         if (!path.isEmpty())
             saveAs(path);
-    }, QKeySequence::SaveAs);
-    file->addAction(tr("Save &Portable Project..."), this, [this] {
+    }, QKeySequence::SaveAs), "saveProjectAs", fileMenu);
+    tag(file->addAction(tr("Save &Portable Project..."), this, [this] {
         // A folder of its own, named after the project, holding it and copies of its media.
         const QString path = FileDialog::savingProjectPortablePath(m_path);
         if (!path.isEmpty())
             savePortable(path);
-    })->setObjectName(QStringLiteral("savePortableAction"));
+    }), "savePortableProject", fileMenu)->setObjectName(QStringLiteral("savePortableAction"));
     file->addSeparator();
-    file->addAction(tr("Project se&ttings..."), this, &ProjectController::showProjectSettings);
+    tag(file->addAction(tr("Project se&ttings..."), this, &ProjectController::showProjectSettings), "projectSettings", fileMenu);
     file->addSeparator();
-    file->addAction(tr("&Quit"), m_window, &QWidget::close, QKeySequence::Quit)
+    tag(file->addAction(tr("&Quit"), m_window, &QWidget::close, QKeySequence::Quit), "quit", fileMenu)
         ->setObjectName(QStringLiteral("quitAction"));
     bar->insertMenu(first, file);
 
@@ -144,11 +151,12 @@ void ProjectController::buildMenus()
     QAction* redo = m_timeline.undoStack()->createRedoAction(edit, tr("&Redo"));
     redo->setShortcut(QKeySequence::Redo);
     redo->setObjectName(QStringLiteral("redoAction"));
-    edit->addAction(undo);
-    edit->addAction(redo);
+    edit->addAction(tag(undo, "undo", editMenu));
+    edit->addAction(tag(redo, "redo", editMenu));
     edit->addSeparator();
-    edit->addAction(tr("Select &all clips"), this, [this] { m_timeline.selectAll(); });
-    edit->addAction(tr("&Remove selected clips"), this, [this] { m_timeline.removeClips(m_timeline.selectedClips()); });
+    tag(edit->addAction(tr("Select &all clips"), this, [this] { m_timeline.selectAll(); }), "selectAllClips", editMenu);
+    tag(edit->addAction(tr("&Remove selected clips"), this, [this] { m_timeline.removeClips(m_timeline.selectedClips()); }),
+        "removeClips", editMenu);
     bar->insertMenu(first, edit);
 }
 

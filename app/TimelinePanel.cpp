@@ -2,6 +2,8 @@
 
 #include "ClipActions.h"
 
+#include <Statistics.h>
+
 #include <QAction>
 #include <QApplication>
 #include <QBoxLayout>
@@ -362,17 +364,21 @@ protected:
         const MediaTime at = timeAt(event->pos().x());
         QAction* place = menu.addAction(TimelinePanel::tr("Place selected media here"));
         place->setObjectName(QStringLiteral("placeHereAction"));
+        Statistics::setEventKey(place, QStringLiteral("placeOnTimeline"), QStringLiteral("timelineContextMenu"));
         IClip* clip = clipAt(event->pos());
         if (clip && !m_timeline->isSelected(clip))
             m_timeline->select({clip}, ITimeline::SelectionMode::Replace);
         QAction* remove = menu.addAction(TimelinePanel::tr("Remove"));
         remove->setEnabled(!m_timeline->selectedClips().isEmpty());
+        Statistics::setEventKey(remove, QStringLiteral("removeClips"), QStringLiteral("timelineContextMenu"));
         if (!m_timeline->selectedClips().isEmpty()) {
             menu.addSeparator();
             ClipActions::addTo(&menu, m_timeline);
             menu.addSeparator();
         }
-        menu.addAction(TimelinePanel::tr("Select all"), [this] { m_timeline->selectAll(); });
+        Statistics::setEventKey(menu.addAction(TimelinePanel::tr("Select all"), [this] { m_timeline->selectAll(); }),
+                                QStringLiteral("selectAllClips"), QStringLiteral("timelineContextMenu"));
+        Statistics::parse(&menu);
         QAction* chosen = menu.exec(event->globalPos());
         if (chosen == place)
             emit m_panel->placeRequested(false, at);
@@ -404,6 +410,7 @@ TimelinePanel::TimelinePanel(TimelineModel* timeline, QWidget* parent) : QWidget
     place->setObjectName(QStringLiteral("placeOnTimelineButton"));
     place->setToolTip(tr("Puts the media selected in the bin at the end of the timeline"));
     connect(place, &QPushButton::clicked, this, [this] { emit placeRequested(true, MediaTime()); });
+    Statistics::setEventKey(place, QStringLiteral("placeOnTimeline"), QStringLiteral("timelineToolBar"));
     auto* zoomOut = new QToolButton;
     zoomOut->setText(QStringLiteral("\u2212"));
     zoomOut->setObjectName(QStringLiteral("zoomOutButton"));
@@ -412,12 +419,15 @@ TimelinePanel::TimelinePanel(TimelineModel* timeline, QWidget* parent) : QWidget
     zoomIn->setObjectName(QStringLiteral("zoomInButton"));
     connect(zoomOut, &QToolButton::clicked, this, [this] { setZoom(zoom() * 0.8); });
     connect(zoomIn, &QToolButton::clicked, this, [this] { setZoom(zoom() * 1.25); });
+    Statistics::setEventKey(zoomOut, QStringLiteral("zoomOut"), QStringLiteral("timelineToolBar"));
+    Statistics::setEventKey(zoomIn, QStringLiteral("zoomIn"), QStringLiteral("timelineToolBar"));
     m_videoLabel = new QLabel;
     m_videoLabel->setObjectName(QStringLiteral("projectVideoLabel"));
     auto* settings = new QToolButton;
     settings->setText(tr("Project settings..."));
     settings->setObjectName(QStringLiteral("projectSettingsButton"));
     connect(settings, &QToolButton::clicked, this, &TimelinePanel::projectSettingsRequested);
+    Statistics::setEventKey(settings, QStringLiteral("projectSettings"), QStringLiteral("timelineToolBar"));
     bar->addWidget(place);
     bar->addSpacing(12);
     bar->addWidget(new QLabel(tr("Zoom")));

@@ -19,6 +19,8 @@
 #include "SecondLaunch.h"
 #include "StallWatch.h"
 #include "ThumbnailExport.h"
+#include "UsageTracker.h"
+#include "UsageUi.h"
 
 #include <ActionGateway.h>
 #include <CommandProvider.h>
@@ -163,6 +165,18 @@ extern "C" Q_DECL_EXPORT int klipvaneEditorMain(int argc, char** argv)
     registerActionGateway();
     failAsAsked(options);
 
+    // Listening before anything can publish a statistics message; recording only with consent.
+    UsageTracker usage(options.usageLog);
+    if (!options.usageLevel.isEmpty()) {
+        const auto level = UsageTracker::levelFromName(options.usageLevel);
+        if (!level) {
+            std::fprintf(stderr, "klipvane: unknown usage level \"%s\" (off, basic or detailed)\n", qPrintable(options.usageLevel));
+            return 2;
+        }
+        usage.setLevel(*level, false);
+    }
+    LOG(INFO) << "statistics: usage level " << UsageTracker::levelName(usage.level()).toStdString();
+
     // Created first: it reads the mode and the files of this launch and holds them until
     // the window announces itself ready.
     CommandProvider provider;
@@ -213,6 +227,8 @@ extern "C" Q_DECL_EXPORT int klipvaneEditorMain(int argc, char** argv)
     QObject::connect(&preview->playback(), &PreviewPlayback::playbackRunningChanged, &powerSaving,
                      &PowerSaving::setPlaybackRunning);
 
+    UsageUi::install(&window, &usage);
+    UsageUi::parseWindow(&window); // last: every page, menu and toolbar is built by now
     window.show();
     PubSub::publish(Command::ReadyNotification());
     // After the first paint: a start with a new OpenGL implementation got this far.
@@ -223,6 +239,12 @@ extern "C" Q_DECL_EXPORT int klipvaneEditorMain(int argc, char** argv)
         if (options.inhibitMs >= 0)
             powerSaving.suppressFor(options.inhibitMs);
     });
+    for (const QString& tag : options.statisticsClicks) {
+        QTimer::singleShot(0, &window, [&window, tag] {
+            if (!UsageUi::activateTagged(&window, tag))
+                LOG(WARNING) << "statistics: no control tagged " << tag.toStdString();
+        });
+    }
     const QStringList namedFiles = project.takeNamedFiles();
     const bool portable = !options.savePortablePath.isEmpty();
     const QString savePath = portable ? options.savePortablePath : options.saveProjectPath;
