@@ -19,6 +19,8 @@ HostOptions HostOptions::take(QStringList& arguments)
         {QStringLiteral("--save-portable"), [&](const QString& v) { options.savePortablePath = v; }},
         {QStringLiteral("--thumbnails-to"), [&](const QString& v) { options.thumbnailsDir = v; }},
         {QStringLiteral("--thumbnail-size"), [&](const QString& v) { options.thumbnailSize = v.toInt(); }},
+        {QStringLiteral("--drop-uri-list"), [&](const QString& v) { options.dropUriList = v; }},
+        {QStringLiteral("--drop-target"), [&](const QString& v) { options.dropTarget = v; }},
     };
     const std::map<QString, std::function<void()>> flags{
         {QStringLiteral("--place-on-timeline"), [&] { options.placeOnTimeline = true; }},
@@ -75,6 +77,9 @@ QString HostOptions::usage()
         "                             --find-missing, the same for a project opened with missing\n"
         "                             media, its result taken when the search ends\n"
         "  --show-file <path>         reveal the file in the file manager once ready\n"
+        "  --drop-uri-list <file>     drop that text/uri-list onto the timeline once ready, with\n"
+        "                             real drag events, as a file manager would\n"
+        "  --drop-target <name>       ...onto that view instead: mediaBin, importPage, timelineView\n"
         "  -h, --help                 print this help and exit\n"
         "  -v, --version              print the version and exit\n");
 }

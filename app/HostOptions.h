@@ -22,6 +22,8 @@ struct HostOptions
     bool placeOnTimeline = false; // --place-on-timeline: put the named media on the timeline once opened
     QString savePortablePath;   // --save-portable <file.kvproj>: ...or a portable project (media copied beside it)
     QString saveProjectPath;    // --save-project <file.kvproj>: then save the project there and quit
+    QString dropUriList;        // --drop-uri-list <file>: drop that text/uri-list onto a view once ready
+    QString dropTarget = QStringLiteral("timelineView"); // --drop-target <object name>: ...onto this view
 
     // Removes the host options from `arguments` (element 0 is the program) and returns them.
     static HostOptions take(QStringList& arguments);

@@ -31,6 +31,10 @@ public:
     ~TimelinePanel() override;
 
     void setThumbnailProvider(ThumbnailProvider provider);
+    // The drawing surface: where clips, files and effects are dropped.
+    QWidget* view() const;
+    // Where clips dropped at `position` of view() go: that track (when it fits) and time.
+    void dropPlacement(const QPoint& position, Timeline::ClipBuildingStrategy& strategy) const;
     // Pixels per second of timeline.
     double zoom() const;
     void setZoom(double pixelsPerSecond);

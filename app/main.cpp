@@ -3,6 +3,7 @@
 
 #include "CaptureTools.h"
 #include "DialogGallery.h"
+#include "DropTargets.h"
 #include "HostOptions.h"
 #include "HostServices.h"
 #include "ImportMenu.h"
@@ -169,6 +170,12 @@ int main(int argc, char** argv)
     if (options.findMissingList.isEmpty() && !options.searchFolder.isEmpty())
         project.setRelinkFolder(options.searchFolder);
 
+    // Drops of files, bin items, overlay presets onto the bin, the timeline and the import page.
+    window.addCollectionPage(QStringLiteral("Overlays"), MainWindow::tr("Overlays"),
+                             QObject::tr("Titles and captions: drag one onto the timeline."));
+    DropTargets drops(&window, &mediaBin, &project);
+    drops.installOverlayPresets(window.findChild<QWidget*>(QStringLiteral("collectionPage_Overlays")));
+
     window.show();
     PubSub::publish(Command::ReadyNotification());
     const QStringList namedFiles = project.takeNamedFiles();
@@ -198,6 +205,8 @@ int main(int argc, char** argv)
         QTimer::singleShot(0, &window, [&options] { ImportMenu::findMissing(options.findMissingList, options.searchFolder); });
     if (!options.showFile.isEmpty())
         FileDialog::showFile(options.showFile);
+    if (!options.dropUriList.isEmpty())
+        QTimer::singleShot(0, &window, [&] { drops.simulateDrop(options.dropUriList, options.dropTarget); });
 
     if (!options.screenshotPath.isEmpty()) {
         // Let the window lay out and paint before it is grabbed.
