@@ -5,6 +5,7 @@
 #include "Util/Mailbox.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QFile>
 #include <QPointer>
 #include <QSet>
@@ -89,9 +90,10 @@ private:
                 seen.insert(file);
                 files << file;
             }
+        // Only what was not found can have vanished: one look per missing name, not per file.
         int gone = 0;
         for (const QString& path : paths)
-            if (!path.isEmpty() && !QFile::exists(path)) {
+            if (!path.isEmpty() && !seen.contains(QDir::cleanPath(path)) && !QFile::exists(path)) {
                 if (++gone <= 10)
                     LOG(WARNING) << "intake: no longer there: " << path.toStdString();
             }
