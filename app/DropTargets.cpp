@@ -31,6 +31,9 @@
 
 #include <glog/logging.h>
 
+#include <algorithm>
+#include <memory>
+
 namespace {
 
 const QString kBinCollection = QStringLiteral("MediaBin");
@@ -104,6 +107,18 @@ private:
     QPoint m_pressAt;
     QPersistentModelIndex m_pressed;
 };
+
+// What a preset of the Overlays page carries when dragged.
+QMimeData* overlayDragData(QListWidgetItem* item)
+{
+    auto* data = new QMimeData;
+    Timeline::OverlayPreset preset;
+    preset.name = item->text();
+    preset.text = item->data(Qt::UserRole).toString();
+    MimeUtils::setOverlayPresets(data, {preset});
+    MimeUtils::setAsrc(data, MimeUtils::CollectionSource);
+    return data;
+}
 
 // A title's text, edited after it was dropped.
 QString askTitleText(QWidget* parent, const QString& text, bool* accepted)
@@ -332,16 +347,9 @@ void DropTargets::installOverlayPresets(QWidget* overlaysPage)
         item->setData(Qt::UserRole, text);
         item->setToolTip(tr("Drag onto the timeline"));
     }
-    new DragStarter(list, [](QListWidgetItem* item) {
-        auto* data = new QMimeData;
-        Timeline::OverlayPreset preset;
-        preset.name = item->text();
-        preset.text = item->data(Qt::UserRole).toString();
-        MimeUtils::setOverlayPresets(data, {preset});
-        MimeUtils::setAsrc(data, MimeUtils::CollectionSource);
-        return data;
-    });
+    new DragStarter(list, overlayDragData);
     layout->insertWidget(2, list);
+    m_overlayPresets = list;
 }
 
 void DropTargets::editOverlay(const QString& clipId)
@@ -379,7 +387,41 @@ bool DropTargets::simulateDrop(const QString& listFile, const QString& target)
     QMimeData data;
     data.setData(MimeUtils::UriListType, file.readAll());
     // Inside the first track of the timeline, and inside any other view big enough.
-    const QPoint at = widget->rect().contains(QPoint(60, 40)) ? QPoint(60, 40) : widget->rect().center();
+    return deliver(data, widget, target, widget->rect().contains(QPoint(60, 40)) ? QPoint(60, 40) : widget->rect().center());
+}
+
+bool DropTargets::simulateOverlayDrop(const QString& name)
+{
+    const QList<QListWidgetItem*> found =
+        m_overlayPresets ? m_overlayPresets->findItems(name, Qt::MatchExactly) : QList<QListWidgetItem*>();
+    if (found.isEmpty()) {
+        LOG(ERROR) << "drop: no overlay preset named " << name.toStdString();
+        return false;
+    }
+    std::unique_ptr<QMimeData> data(overlayDragData(found.first()));
+    QWidget* view = m_project->panel()->view();
+    // On the second track, above the video of the first.
+    return deliver(*data, view, view->objectName(), QPoint(60, 90));
+}
+
+bool DropTargets::simulateEffectDrop(const QString& id)
+{
+    QList<Timeline::IClip*> clips = m_project->timeline()->clips();
+    clips.erase(std::remove_if(clips.begin(), clips.end(), [](const Timeline::IClip* c) { return c->mediaPath().isEmpty(); }),
+                clips.end());
+    if (clips.isEmpty()) {
+        LOG(ERROR) << "drop: no media clip for the effect " << id.toStdString();
+        return false;
+    }
+    QMimeData data;
+    data.setData(MimeUtils::EffectType, id.toUtf8());
+    QWidget* view = m_project->panel()->view();
+    return deliver(data, view, view->objectName(), m_project->panel()->clipCenter(clips.first()));
+}
+
+// Real drag events, as the platform delivers a drag from another application.
+bool DropTargets::deliver(QMimeData& data, QWidget* widget, const QString& target, QPoint at)
+{
     QDragEnterEvent enter(at, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(widget, &enter);
     if (!enter.isAccepted()) {

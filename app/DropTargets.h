@@ -12,6 +12,7 @@ class MainWindow;
 class MediaBin;
 class ProjectController;
 class QListWidget;
+class QMimeData;
 class QWidget;
 
 // The host's drop targets: the media bin, the timeline, the import page (and any view
@@ -50,6 +51,10 @@ public:
     // Drops the text/uri-list in `listFile` onto the registered widget named `target`, with
     // real drag events, as a file manager would. False (and logged) when it cannot.
     bool simulateDrop(const QString& listFile, const QString& target);
+    // Drops the Overlays page's preset `name` onto the timeline, and the effect `id` onto
+    // the timeline's first clip of a media file, the same way.
+    bool simulateOverlayDrop(const QString& name);
+    bool simulateEffectDrop(const QString& id);
 
 private:
     struct Pending;
@@ -57,6 +62,7 @@ private:
     void filesArrived(const QStringList& files, quint64 batch, bool last);
     void placeOpened();
     void editOverlay(const QString& clipId);
+    bool deliver(QMimeData& data, QWidget* widget, const QString& target, QPoint at);
 
     MainWindow* m_window;
     MediaBin* m_bin;
@@ -66,6 +72,7 @@ private:
     QHash<QObject*, DragAndDropHandler::Placement> m_placements;
     QPointer<QObject> m_dropTarget; // the source of the drop being handled, during it
     QPoint m_dropAt;
+    QListWidget* m_overlayPresets = nullptr;
     struct Subscriptions;
     std::unique_ptr<Subscriptions> m_subscriptions;
     std::unique_ptr<Pending> m_pending;

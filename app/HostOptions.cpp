@@ -21,6 +21,8 @@ HostOptions HostOptions::take(QStringList& arguments)
         {QStringLiteral("--thumbnail-size"), [&](const QString& v) { options.thumbnailSize = v.toInt(); }},
         {QStringLiteral("--drop-uri-list"), [&](const QString& v) { options.dropUriList = v; }},
         {QStringLiteral("--drop-target"), [&](const QString& v) { options.dropTarget = v; }},
+        {QStringLiteral("--drop-overlay"), [&](const QString& v) { options.dropOverlay = v; }},
+        {QStringLiteral("--drop-effect"), [&](const QString& v) { options.dropEffect = v; }},
     };
     const std::map<QString, std::function<void()>> flags{
         {QStringLiteral("--place-on-timeline"), [&] { options.placeOnTimeline = true; }},
@@ -80,6 +82,8 @@ QString HostOptions::usage()
         "  --drop-uri-list <file>     drop that text/uri-list onto the timeline once ready, with\n"
         "                             real drag events, as a file manager would\n"
         "  --drop-target <name>       ...onto that view instead: mediaBin, importPage, timelineView\n"
+        "  --drop-overlay <name>      drop that preset of the Overlays page onto the timeline\n"
+        "  --drop-effect <id>         drop that effect onto the timeline's first media clip once there is one\n"
         "  -h, --help                 print this help and exit\n"
         "  -v, --version              print the version and exit\n");
 }

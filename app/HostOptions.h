@@ -24,6 +24,8 @@ struct HostOptions
     QString saveProjectPath;    // --save-project <file.kvproj>: then save the project there and quit
     QString dropUriList;        // --drop-uri-list <file>: drop that text/uri-list onto a view once ready
     QString dropTarget = QStringLiteral("timelineView"); // --drop-target <object name>: ...onto this view
+    QString dropOverlay;        // --drop-overlay <name>: drop that Overlays preset onto the timeline once ready
+    QString dropEffect;         // --drop-effect <id>: drop that effect onto the timeline's first media clip once it has one
 
     // Removes the host options from `arguments` (element 0 is the program) and returns them.
     static HostOptions take(QStringList& arguments);

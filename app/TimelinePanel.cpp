@@ -457,6 +457,11 @@ void TimelinePanel::dropPlacement(const QPoint& position, Timeline::ClipBuilding
         strategy.track = track;
 }
 
+QPoint TimelinePanel::clipCenter(const Timeline::IClip* clip) const
+{
+    return m_view->clipRect(clip).center();
+}
+
 double TimelinePanel::zoom() const
 {
     return m_view->zoom;

@@ -35,6 +35,8 @@ public:
     QWidget* view() const;
     // Where clips dropped at `position` of view() go: that track (when it fits) and time.
     void dropPlacement(const QPoint& position, Timeline::ClipBuildingStrategy& strategy) const;
+    // The middle of `clip` in view() (where a drop reaches it).
+    QPoint clipCenter(const Timeline::IClip* clip) const;
     // Pixels per second of timeline.
     double zoom() const;
     void setZoom(double pixelsPerSecond);

@@ -207,6 +207,18 @@ int main(int argc, char** argv)
         FileDialog::showFile(options.showFile);
     if (!options.dropUriList.isEmpty())
         QTimer::singleShot(0, &window, [&] { drops.simulateDrop(options.dropUriList, options.dropTarget); });
+    if (!options.dropOverlay.isEmpty())
+        QTimer::singleShot(0, &window, [&] { drops.simulateOverlayDrop(options.dropOverlay); });
+    if (!options.dropEffect.isEmpty()) {
+        auto* once = new QObject(&window);
+        QObject::connect(project.timeline(), &Timeline::TimelineModel::changed, once, [&, once] {
+            const QStringList media = project.timeline()->mediaPaths();
+            if (media.isEmpty())
+                return;
+            delete once; // the first media clip only
+            QTimer::singleShot(0, &window, [&] { drops.simulateEffectDrop(options.dropEffect); });
+        });
+    }
 
     if (!options.screenshotPath.isEmpty()) {
         // Let the window lay out and paint before it is grabbed.

@@ -75,6 +75,26 @@ private slots:
         QVERIFY(KvTest::logged(host.log(), QStringLiteral("timeline: placed ")).isEmpty());
     }
 
+    // An effect dragged onto a clip applies to it; an overlay preset dragged onto the
+    // timeline becomes a clip and opens in the title editor (dismissed here, as Escape would).
+    void effectAndOverlay()
+    {
+        const QString listFile = writeList(uri(TestMedia::path("still.png")));
+        QTemporaryDir home;
+        QProcessEnvironment environment = KvTest::hostEnvironment(home);
+        environment.insert(QStringLiteral("KLIPVANE_DISMISS_DIALOGS_MS"), QStringLiteral("0"));
+        KvTest::Host host(environment, KvTest::builtProgram(QStringLiteral("klipvane")),
+                          {QStringLiteral("--drop-uri-list"), listFile, QStringLiteral("--drop-effect"),
+                           QStringLiteral("blur"), QStringLiteral("--drop-overlay"), QStringLiteral("Lower third")});
+        QVERIFY2(host.waitForLog("effect blur on", 60000), host.log().constData());
+        QVERIFY2(host.waitForLog("dialog dismissed: titleEdit", 20000), host.log().constData());
+        QCOMPARE(KvTest::logged(host.log(), QStringLiteral("drop: timelineView effect ")),
+                 QStringList{"blur on still.png"});
+        QCOMPARE(KvTest::logged(host.log(), QStringLiteral("drop: timelineView overlay ")),
+                 QStringList{"\"Lower third\""});
+        QVERIFY(KvTest::logged(host.log(), QStringLiteral("overlay: edited ")).isEmpty());
+    }
+
     // A drag with nothing the view takes is refused, and nothing is added.
     void refusedDrag()
     {
