@@ -108,6 +108,19 @@ private:
     QPersistentModelIndex m_pressed;
 };
 
+// What an item of the media bin carries when dragged.
+QMimeData* binDragData(QListWidgetItem* item)
+{
+    const QString path = item->data(Qt::UserRole).toString();
+    auto* data = new QMimeData;
+    EditorCollection::ImportObject object;
+    object.payload = {kBinCollection, path};
+    MimeUtils::setImportObject(data, object);
+    // Dropped outside the editor, the item is its file.
+    data->setData(MimeUtils::UriListType, QUrl::fromLocalFile(path).toEncoded() + "\r\n");
+    return data;
+}
+
 // What a preset of the Overlays page carries when dragged.
 QMimeData* overlayDragData(QListWidgetItem* item)
 {
@@ -206,16 +219,7 @@ DropTargets::DropTargets(MainWindow* window, MediaBin* bin, ProjectController* p
 
     QListWidget* list = window->mediaBin();
     EditorCollection::CollectionProvider::add(std::make_shared<BinCollection>(list));
-    new DragStarter(list, [](QListWidgetItem* item) {
-        const QString path = item->data(Qt::UserRole).toString();
-        auto* data = new QMimeData;
-        EditorCollection::ImportObject object;
-        object.payload = {kBinCollection, path};
-        MimeUtils::setImportObject(data, object);
-        // Dropped outside the editor, the item is its file.
-        data->setData(MimeUtils::UriListType, QUrl::fromLocalFile(path).toEncoded() + "\r\n");
-        return data;
-    });
+    new DragStarter(list, binDragData);
 
     using DnD = DragAndDropHandler;
     registerWidget(list, DnD::MediaFiles, Statistics::AddingMethod::DropOnMediaBin);
@@ -392,16 +396,26 @@ bool DropTargets::simulateDrop(const QString& listFile, const QString& target)
 
 bool DropTargets::simulateOverlayDrop(const QString& name)
 {
-    const QList<QListWidgetItem*> found =
-        m_overlayPresets ? m_overlayPresets->findItems(name, Qt::MatchExactly) : QList<QListWidgetItem*>();
+    // On the second track, above the video of the first.
+    return simulateItemDrop(m_overlayPresets, name, overlayDragData, QPoint(60, 90));
+}
+
+bool DropTargets::simulateBinItemDrop(const QString& name)
+{
+    return simulateItemDrop(m_window->mediaBin(), name, binDragData, QPoint(60, 40));
+}
+
+bool DropTargets::simulateItemDrop(QListWidget* list, const QString& name, QMimeData* (*makeData)(QListWidgetItem*),
+                                   QPoint at)
+{
+    const QList<QListWidgetItem*> found = list ? list->findItems(name, Qt::MatchExactly) : QList<QListWidgetItem*>();
     if (found.isEmpty()) {
-        LOG(ERROR) << "drop: no overlay preset named " << name.toStdString();
+        LOG(ERROR) << "drop: no item named " << name.toStdString() << " to drag";
         return false;
     }
-    std::unique_ptr<QMimeData> data(overlayDragData(found.first()));
+    std::unique_ptr<QMimeData> data(makeData(found.first()));
     QWidget* view = m_project->panel()->view();
-    // On the second track, above the video of the first.
-    return deliver(*data, view, view->objectName(), QPoint(60, 90));
+    return deliver(*data, view, view->objectName(), at);
 }
 
 bool DropTargets::simulateEffectDrop(const QString& id)

@@ -12,6 +12,7 @@ class MainWindow;
 class MediaBin;
 class ProjectController;
 class QListWidget;
+class QListWidgetItem;
 class QMimeData;
 class QWidget;
 
@@ -54,6 +55,8 @@ public:
     // Drops the Overlays page's preset `name` onto the timeline, and the effect `id` onto
     // the timeline's first clip of a media file, the same way.
     bool simulateOverlayDrop(const QString& name);
+    // Drops the media bin's item shown as `name` onto the timeline.
+    bool simulateBinItemDrop(const QString& name);
     bool simulateEffectDrop(const QString& id);
 
 private:
@@ -63,6 +66,7 @@ private:
     void placeOpened();
     void editOverlay(const QString& clipId);
     bool deliver(QMimeData& data, QWidget* widget, const QString& target, QPoint at);
+    bool simulateItemDrop(QListWidget* list, const QString& name, QMimeData* (*makeData)(QListWidgetItem*), QPoint at);
 
     MainWindow* m_window;
     MediaBin* m_bin;

@@ -23,6 +23,7 @@ HostOptions HostOptions::take(QStringList& arguments)
         {QStringLiteral("--drop-target"), [&](const QString& v) { options.dropTarget = v; }},
         {QStringLiteral("--drop-overlay"), [&](const QString& v) { options.dropOverlay = v; }},
         {QStringLiteral("--drop-effect"), [&](const QString& v) { options.dropEffect = v; }},
+        {QStringLiteral("--drop-bin-item"), [&](const QString& v) { options.dropBinItem = v; }},
     };
     const std::map<QString, std::function<void()>> flags{
         {QStringLiteral("--place-on-timeline"), [&] { options.placeOnTimeline = true; }},
@@ -83,6 +84,7 @@ QString HostOptions::usage()
         "                             real drag events, as a file manager would\n"
         "  --drop-target <name>       ...onto that view instead: mediaBin, importPage, timelineView\n"
         "  --drop-overlay <name>      drop that preset of the Overlays page onto the timeline\n"
+        "  --drop-bin-item <name>     drop the media bin's item of that name onto the timeline\n"
         "  --drop-effect <id>         drop that effect onto the timeline's first media clip once there is one\n"
         "  -h, --help                 print this help and exit\n"
         "  -v, --version              print the version and exit\n");

@@ -207,6 +207,8 @@ int main(int argc, char** argv)
         FileDialog::showFile(options.showFile);
     if (!options.dropUriList.isEmpty())
         QTimer::singleShot(0, &window, [&] { drops.simulateDrop(options.dropUriList, options.dropTarget); });
+    if (!options.dropBinItem.isEmpty())
+        QTimer::singleShot(0, &window, [&] { drops.simulateBinItemDrop(options.dropBinItem); });
     if (!options.dropOverlay.isEmpty())
         QTimer::singleShot(0, &window, [&] { drops.simulateOverlayDrop(options.dropOverlay); });
     if (!options.dropEffect.isEmpty()) {

@@ -95,6 +95,20 @@ private slots:
         QVERIFY(KvTest::logged(host.log(), QStringLiteral("overlay: edited ")).isEmpty());
     }
 
+    // An item of the media bin dragged onto the timeline becomes a clip there.
+    void binItemOntoTimeline()
+    {
+        QTemporaryDir home;
+        QProcessEnvironment environment = KvTest::hostEnvironment(home);
+        environment.insert(QStringLiteral("KLIPVANE_DISMISS_DIALOGS_MS"), QStringLiteral("0"));
+        KvTest::Host host(environment, KvTest::builtProgram(QStringLiteral("klipvane")),
+                          {TestMedia::path("still.png"), QStringLiteral("--drop-bin-item"), QStringLiteral("still.png")});
+        QVERIFY2(host.waitForLog("drop: timelineView item", 30000), host.log().constData());
+        QCOMPARE(KvTest::logged(host.log(), QStringLiteral("drop: timelineView item ")),
+                 QStringList{"\"still.png\", 1 clip(s)"});
+        QVERIFY(KvTest::logged(host.log(), QStringLiteral("drop: timelineView ")).filter(QStringLiteral("file(s)")).isEmpty());
+    }
+
     // A drag with nothing the view takes is refused, and nothing is added.
     void refusedDrag()
     {
