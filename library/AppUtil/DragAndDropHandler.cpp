@@ -136,12 +136,16 @@ public:
     {
         if (!hasTimeline(source, preset.name))
             return;
-        Statistics::TimelineWatcher watcher(timeline);
-        if (methods.contains(source))
-            PubSub::publish(Statistics::CollectionInteractionNotification(Statistics::InteractionKind::Dropped,
-                                                                          QStringLiteral("OverlayPresets"), preset.name));
-        Timeline::IClip* clip = timeline->addOverlayPreset(preset, strategyFor(source, position));
-        watcher.reportAddition(methods.value(source, Statistics::AddingMethod::Unknown));
+        Timeline::IClip* clip = nullptr;
+        {
+            // Over before editRequested: whoever answers it may run an event loop.
+            Statistics::TimelineWatcher watcher(timeline);
+            if (methods.contains(source))
+                PubSub::publish(Statistics::CollectionInteractionNotification(
+                    Statistics::InteractionKind::Dropped, QStringLiteral("OverlayPresets"), preset.name));
+            clip = timeline->addOverlayPreset(preset, strategyFor(source, position));
+            watcher.reportAddition(methods.value(source, Statistics::AddingMethod::Unknown));
+        }
         LOG(INFO) << "drop: " << nameOf(source) << " overlay \"" << preset.name.toStdString() << "\""
                   << (clip ? "" : " not placed");
         if (!clip)
