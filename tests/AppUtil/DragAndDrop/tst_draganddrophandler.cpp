@@ -17,6 +17,8 @@
 
 #include "TestSandbox.h"
 
+#include <glog/logging.h>
+
 #include <memory>
 
 Q_DECLARE_METATYPE(DragAndDropHandler::Types)
@@ -35,6 +37,20 @@ public:
         return items.value(id);
     }
     QHash<QString, std::shared_ptr<const EditorCollection::Item>> items;
+};
+
+// The log lines written while it lives.
+class LogCapture : public google::LogSink
+{
+public:
+    LogCapture() { google::AddLogSink(this); }
+    ~LogCapture() override { google::RemoveLogSink(this); }
+    void send(google::LogSeverity, const char*, const char*, int, const google::LogMessageTime&, const char* message,
+              size_t length) override
+    {
+        lines << QString::fromUtf8(message, int(length));
+    }
+    QStringList lines;
 };
 
 // A view that records the drag events that reached it after the filters.
@@ -512,6 +528,27 @@ private slots:
         QVERIFY(drop.isAccepted());
         QTRY_VERIFY(batchDone());
         QCOMPARE(delivered(), QStringList{m_root + QStringLiteral("/a.mp4")});
+    }
+
+    // A drag crossing several views is refused once, not once per view or per entry.
+    void refusalsToldOnce()
+    {
+        Rig bin(DragAndDropHandler::MediaFiles, Statistics::AddingMethod::DropOnMediaBin);
+        Rig timeline(DragAndDropHandler::MediaFiles, Statistics::AddingMethod::DropOnTimeline);
+        const QByteArray prefix = QFile::encodeName(QStringLiteral("file://") + m_root);
+        std::unique_ptr<QMimeData> data(
+            uriList(prefix + "/notes.txt\r\nhttp://example.com/x.mp4\r\n" + prefix + "/a.mp4\r\n"));
+        LogCapture log;
+        for (Rig* rig : {&bin, &timeline, &bin}) {
+            QDragEnterEvent enter(QPoint(1, 1), Qt::CopyAction, data.get(), Qt::LeftButton, Qt::NoModifier);
+            QApplication::sendEvent(&rig->view, &enter);
+            QVERIFY(enter.isAccepted());
+            QDragLeaveEvent leave;
+            QApplication::sendEvent(&rig->view, &leave);
+        }
+        QCOMPARE(log.lines.filter(QStringLiteral("drop: refused")),
+                 (QStringList{QStringLiteral("drop: refused (unsupported): ") + m_root + QStringLiteral("/notes.txt"),
+                              QStringLiteral("drop: refused (remote): http://example.com/x.mp4")}));
     }
 
     // Thousands of files arrive in slices, each once, in order.
