@@ -180,7 +180,7 @@ struct DropTargets::Subscriptions
 };
 
 DropTargets::DropTargets(MainWindow* window, MediaBin* bin, ProjectController* project, QObject* parent)
-    : QObject(parent), m_window(window), m_bin(bin), m_project(project), m_handler(new DragAndDropHandler(this)),
+    : QObject(parent), m_window(window), m_project(project), m_handler(new DragAndDropHandler(this)),
       m_pending(std::make_unique<Pending>())
 {
     m_handler->setTimeline(project->timeline());

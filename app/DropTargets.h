@@ -69,7 +69,6 @@ private:
     bool simulateItemDrop(QListWidget* list, const QString& name, QMimeData* (*makeData)(QListWidgetItem*), QPoint at);
 
     MainWindow* m_window;
-    MediaBin* m_bin;
     ProjectController* m_project;
     DragAndDropHandler* m_handler;
     QHash<QObject*, QPointer<QWidget>> m_viewports;     // viewport -> its scroll area (the source)
