@@ -36,6 +36,11 @@ HostOptions HostOptions::take(QStringList& arguments)
         {QStringLiteral("--usage-level"), [&](const QString& v) { options.usageLevel = v; }},
         {QStringLiteral("--usage-log"), [&](const QString& v) { options.usageLog = v; }},
         {QStringLiteral("--statistics-click"), [&](const QString& v) { options.statisticsClicks << v; }},
+        {QStringLiteral("--drop-uri-list"), [&](const QString& v) { options.dropUriList = v; }},
+        {QStringLiteral("--drop-target"), [&](const QString& v) { options.dropTarget = v; }},
+        {QStringLiteral("--drop-overlay"), [&](const QString& v) { options.dropOverlay = v; }},
+        {QStringLiteral("--drop-effect"), [&](const QString& v) { options.dropEffect = v; }},
+        {QStringLiteral("--drop-bin-item"), [&](const QString& v) { options.dropBinItem = v; }},
     };
     const std::map<QString, std::function<void()>> flags{
         {QStringLiteral("--place-on-timeline"), [&] { options.placeOnTimeline = true; }},
@@ -111,6 +116,12 @@ QString HostOptions::usage()
         "  --usage-log <file>         keep the usage record in this file\n"
         "  --statistics-click <event> click the control tagged with this event once ready\n"
         "                             (event@source to pick one source; may be repeated)\n"
+        "  --drop-uri-list <file>     drop that text/uri-list onto the timeline once ready, with\n"
+        "                             real drag events, as a file manager would\n"
+        "  --drop-target <name>       ...onto that view instead: mediaBin, importPage, timelineView\n"
+        "  --drop-overlay <name>      drop that preset of the Overlays page onto the timeline\n"
+        "  --drop-bin-item <name>     drop the media bin's item of that name onto the timeline\n"
+        "  --drop-effect <id>         drop that effect onto the timeline's first media clip once there is one\n"
         "  -h, --help                 print this help and exit\n"
         "  -v, --version              print the version and exit\n");
 }

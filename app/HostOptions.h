@@ -37,6 +37,11 @@ struct HostOptions
     QString usageLevel;         // --usage-level <off|basic|detailed>: usage recording for this run only
     QString usageLog;           // --usage-log <file>: the usage audit log instead of the user's
     QStringList statisticsClicks; // --statistics-click <event[@source]>: activate that tagged control once ready
+    QString dropUriList;        // --drop-uri-list <file>: drop that text/uri-list onto a view once ready
+    QString dropTarget = QStringLiteral("timelineView"); // --drop-target <object name>: ...onto this view
+    QString dropOverlay;        // --drop-overlay <name>: drop that Overlays preset onto the timeline once ready
+    QString dropBinItem;        // --drop-bin-item <name>: drop the media bin's item of that name onto the timeline once ready
+    QString dropEffect;         // --drop-effect <id>: drop that effect onto the timeline's first media clip once it has one
 
     // Removes the host options from `arguments` (element 0 is the program) and returns them.
     static HostOptions take(QStringList& arguments);

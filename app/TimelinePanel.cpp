@@ -2,9 +2,11 @@
 
 #include "ClipActions.h"
 
+#include <Mime/MimeUtils.h>
 #include <Statistics.h>
 
 #include <QAction>
+#include <QMimeData>
 #include <QApplication>
 #include <QBoxLayout>
 #include <QContextMenuEvent>
@@ -18,6 +20,8 @@
 #include <QScrollBar>
 #include <QToolButton>
 #include <QUndoStack>
+
+#include <glog/logging.h>
 
 #include <algorithm>
 #include <cmath>
@@ -386,7 +390,46 @@ protected:
             m_timeline->removeClips(m_timeline->selectedClips());
     }
 
+    // An effect dragged from the Effects page applies to the clip it is dropped on. Other
+    // drags are the drop handler's (its filter has answered them before they come here).
+    void dragEnterEvent(QDragEnterEvent* event) override
+    {
+        if (event->mimeData()->hasFormat(MimeUtils::EffectType))
+            event->acceptProposedAction();
+    }
+
+    void dragMoveEvent(QDragMoveEvent* event) override
+    {
+        if (event->mimeData()->hasFormat(MimeUtils::EffectType))
+            event->setAccepted(effectTarget(event) != nullptr);
+    }
+
+    void dropEvent(QDropEvent* event) override
+    {
+        if (!event->mimeData()->hasFormat(MimeUtils::EffectType))
+            return;
+        const QString id = QString::fromUtf8(event->mimeData()->data(MimeUtils::EffectType)).trimmed();
+        IClip* clip = effectTarget(event);
+        std::shared_ptr<Effect::Object> effect = clip ? Effect::Object::create(id) : nullptr;
+        if (!effect) {
+            LOG(WARNING) << "drop: " << objectName().toStdString() << " effect \"" << id.left(64).toStdString()
+                         << (clip ? "\" is not in the catalogue" : "\" not on a clip");
+            return;
+        }
+        if (m_timeline->addEffect(clip, effect)) {
+            LOG(INFO) << "drop: " << objectName().toStdString() << " effect " << id.toStdString() << " on "
+                      << clip->description().name.toStdString();
+            event->acceptProposedAction();
+        }
+    }
+
 private:
+    IClip* effectTarget(const QDropEvent* event) const
+    {
+        IClip* clip = clipAt(event->pos());
+        return clip && clip->takesAdjustments() ? clip : nullptr;
+    }
+
     TimelineModel* m_timeline;
     TimelinePanel* m_panel;
     QRubberBand* m_band = nullptr;
@@ -465,6 +508,25 @@ void TimelinePanel::setPlayhead(Composition::IMarker* playhead)
 void TimelinePanel::thumbnailReady(const QString&)
 {
     m_view->update();
+}
+
+QWidget* TimelinePanel::view() const
+{
+    return m_view;
+}
+
+void TimelinePanel::dropPlacement(const QPoint& position, Timeline::ClipBuildingStrategy& strategy) const
+{
+    strategy.atEnd = false;
+    strategy.position = m_view->timeAt(position.x());
+    const int track = m_view->trackAt(position.y());
+    if (track >= 0)
+        strategy.track = track;
+}
+
+QPoint TimelinePanel::clipCenter(const Timeline::IClip* clip) const
+{
+    return m_view->clipRect(clip).center();
 }
 
 double TimelinePanel::zoom() const

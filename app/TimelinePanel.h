@@ -35,6 +35,12 @@ public:
     // The playhead drawn over the tracks and dragged on the ruler (none by default); it
     // must outlive the panel or be unset first.
     void setPlayhead(Composition::IMarker* playhead);
+    // The drawing surface: where clips, files and effects are dropped.
+    QWidget* view() const;
+    // Where clips dropped at `position` of view() go: that track (when it fits) and time.
+    void dropPlacement(const QPoint& position, Timeline::ClipBuildingStrategy& strategy) const;
+    // The middle of `clip` in view() (where a drop reaches it).
+    QPoint clipCenter(const Timeline::IClip* clip) const;
     // Pixels per second of timeline.
     double zoom() const;
     void setZoom(double pixelsPerSecond);

@@ -155,6 +155,18 @@ void UsageTracker::subscribeLibraryMessages()
                       {{QStringLiteral("deletionOffered"), boolText(m.deletionOffered)},
                        {QStringLiteral("deletionChosen"), boolText(m.deletionChosen)}}};
     });
+    track<Statistics::ClipsAddedNotification>([](const auto& m) {
+        return Record{{}, QStringLiteral("clipsAdded"), QStringLiteral("timeline"),
+                      {{QStringLiteral("method"), QString::number(int(m.method))}, {QStringLiteral("clips"), QString::number(m.clips)}}};
+    });
+    track<Statistics::FilesAddedNotification>([](const auto& m) {
+        return Record{{}, QStringLiteral("filesAdded"), QStringLiteral("mediaIntake"),
+                      {{QStringLiteral("addingSource"), QString::number(m.source)}, {QStringLiteral("files"), QString::number(m.files)}}};
+    });
+    track<Statistics::CollectionInteractionNotification>([](const auto& m) {
+        return Record{{}, QStringLiteral("collectionItemUsed"), m.collection,
+                      {{QStringLiteral("kind"), QString::number(int(m.kind))}, {QStringLiteral("item"), m.item}}};
+    });
     track<Statistics::AdjustProjectAspectSuggestedNotification>([](const auto& m) {
         return Record{{}, QStringLiteral("aspectSuggested"), QStringLiteral("timeline"),
                       {{QStringLiteral("accepted"), boolText(m.accepted)},

@@ -6,6 +6,7 @@
 #include "DialogGallery.h"
 #include "DisplayMenu.h"
 #include "EditorModule.h"
+#include "DropTargets.h"
 #include "HostOptions.h"
 #include "HostServices.h"
 #include "ImportMenu.h"
@@ -220,9 +221,16 @@ extern "C" Q_DECL_EXPORT int klipvaneEditorMain(int argc, char** argv)
     if (options.findMissingList.isEmpty() && !options.searchFolder.isEmpty())
         project.setRelinkFolder(options.searchFolder);
 
+    // Drops of files, bin items, overlay presets onto the bin, the timeline and the import page.
+    window.addCollectionPage(QStringLiteral("Overlays"), MainWindow::tr("Overlays"),
+                             QObject::tr("Titles and captions: drag one onto the timeline."));
+    DropTargets drops(&window, &mediaBin, &project);
+    drops.installOverlayPresets(window.findChild<QWidget*>(QStringLiteral("collectionPage_Overlays")));
+
     // The preview above the timeline, and what the host options ask of it.
     PreviewArea* preview = installPreview(&window, project);
     PreviewScript previewScript(preview, options);
+    drops.registerWidget(preview, DragAndDropHandler::MediaFiles, Statistics::AddingMethod::DropOnPreview);
     // The screen stays on while the timeline plays, and may blank again on pause.
     QObject::connect(&preview->playback(), &PreviewPlayback::playbackRunningChanged, &powerSaving,
                      &PowerSaving::setPlaybackRunning);
@@ -276,6 +284,22 @@ extern "C" Q_DECL_EXPORT int klipvaneEditorMain(int argc, char** argv)
         QTimer::singleShot(0, &window, [&options] { ImportMenu::findMissing(options.findMissingList, options.searchFolder); });
     if (!options.showFile.isEmpty())
         FileDialog::showFile(options.showFile);
+    if (!options.dropUriList.isEmpty())
+        QTimer::singleShot(0, &window, [&] { drops.simulateDrop(options.dropUriList, options.dropTarget); });
+    if (!options.dropBinItem.isEmpty())
+        QTimer::singleShot(0, &window, [&] { drops.simulateBinItemDrop(options.dropBinItem); });
+    if (!options.dropOverlay.isEmpty())
+        QTimer::singleShot(0, &window, [&] { drops.simulateOverlayDrop(options.dropOverlay); });
+    if (!options.dropEffect.isEmpty()) {
+        auto* once = new QObject(&window);
+        QObject::connect(project.timeline(), &Timeline::TimelineModel::changed, once, [&, once] {
+            const QStringList media = project.timeline()->mediaPaths();
+            if (media.isEmpty())
+                return;
+            delete once; // the first media clip only
+            QTimer::singleShot(0, &window, [&] { drops.simulateEffectDrop(options.dropEffect); });
+        });
+    }
 
     if (!options.screenshotPath.isEmpty()) {
         // Let the window lay out and paint before it is grabbed.

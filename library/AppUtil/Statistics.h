@@ -4,6 +4,7 @@
 
 #include <PubSub/Channels.h>
 #include <PubSub/PubSub.h>
+#include <Statistics/TimelineWatcher.h> // AddingMethod and the messages of additions
 
 #include <QList>
 #include <QMap>
@@ -28,19 +29,6 @@ class QWidget;
 // where the application's tracker listens. Parsing again is harmless: a control is
 // connected once for its lifetime.
 namespace Statistics {
-
-// The ways media enter a project, reported with their additions.
-enum class AddingMethod {
-    Unknown = 0,
-    CommandLine = 1,   // files named when the editor was started
-    SecondLaunch = 2,  // files handed over by a second launch or a companion process
-    FileDialog = 3,    // the import file dialog
-    MediaBinDrop = 4,  // dragged onto the media bin
-    TimelineDrop = 5,  // dragged onto the timeline
-    PreviewDrop = 6,   // dragged onto the preview area
-    Collection = 7,    // taken from one of the editor's collections
-    Capture = 8,       // recorded by a capture companion
-};
 
 // A tagged control was clicked or triggered.
 struct APPUTIL_EXPORT InteractionNotification : Message::Types::Notification<Object>

@@ -63,6 +63,11 @@ QString projectFileExtension() { return QStringLiteral("kvproj"); }
 QString projectNameDefault() { return QStringLiteral("Untitled"); }
 QString projectFileOpenFilter() { return QStringLiteral("*.kvproj"); }
 QString projectFileSaveFilter() { return QStringLiteral("*.kvproj"); }
+QString packageExtension()
+{
+    return QStringLiteral("kvpkg");
+}
+
 QStringList supportedProjectFileExtensions() { return {QStringLiteral("kvproj")}; }
 
 } // namespace Settings

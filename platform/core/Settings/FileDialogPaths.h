@@ -35,5 +35,7 @@ QString projectNameDefault();
 QString projectFileOpenFilter();
 QString projectFileSaveFilter();
 QStringList supportedProjectFileExtensions();
+// Packages of effects and templates the package installer deploys: "kvpkg".
+QString packageExtension();
 
 } // namespace Settings

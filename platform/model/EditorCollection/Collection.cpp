@@ -1,5 +1,10 @@
 #include "EditorCollection/Collection.h"
 
+#include "Serialize/JsonReader.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
+
 #include <algorithm>
 #include <mutex>
 
@@ -52,6 +57,51 @@ std::vector<std::shared_ptr<ICollection>> CollectionProvider::collections()
 {
     std::lock_guard<std::mutex> lock(mutex());
     return all();
+}
+
+std::shared_ptr<const Item> Payload::findItem() const
+{
+    const std::shared_ptr<ICollection> owner = CollectionProvider::collection(collection);
+    return owner ? owner->findItem(itemId) : nullptr;
+}
+
+QString ImportObject::mimeType()
+{
+    return QStringLiteral("application/x-klipvane-import-object");
+}
+
+QByteArray ImportObject::encode() const
+{
+    const QJsonObject json{{QStringLiteral("kind"), kind},
+                           {QStringLiteral("collection"), payload.collection},
+                           {QStringLiteral("item"), payload.itemId},
+                           {QStringLiteral("first"), double(first)},
+                           {QStringLiteral("second"), double(second)}};
+    return QJsonDocument(json).toJson(QJsonDocument::Compact);
+}
+
+std::optional<ImportObject> ImportObject::decode(const QByteArray& data, QString* error)
+{
+    QJsonParseError parse{};
+    const QJsonDocument document = QJsonDocument::fromJson(data, &parse);
+    Serialize::JsonReader reader;
+    if (!document.isObject())
+        reader.fail(QStringLiteral("import object"), parse.error ? parse.errorString() : QStringLiteral("not an object"));
+    const QJsonObject json = document.object();
+    const QString where = QStringLiteral("import object");
+    ImportObject object;
+    object.kind = int(reader.integer(json, QLatin1String("kind"), where, Media, MediaRange, Media));
+    object.payload.collection = reader.string(json, QLatin1String("collection"), where, 256);
+    object.payload.itemId = reader.string(json, QLatin1String("item"), where);
+    constexpr qint64 maxMicroseconds = qint64(1) << 50; // some 35 years
+    object.first = reader.integer(json, QLatin1String("first"), where, 0, maxMicroseconds, 0, false);
+    object.second = reader.integer(json, QLatin1String("second"), where, 0, maxMicroseconds, 0, false);
+    if (!reader.ok()) {
+        if (error)
+            *error = reader.error();
+        return std::nullopt;
+    }
+    return object;
 }
 
 } // namespace EditorCollection

@@ -183,6 +183,10 @@ public:
     virtual QList<IClip*> placeMedia(const QStringList& paths, const ClipBuildingStrategy& strategy) = 0;
     virtual QList<IClip*> addCollectionItem(const CollectionItem& item, const ClipBuildingStrategy& strategy) = 0;
     virtual IClip* addOverlayPreset(const OverlayPreset& preset, const ClipBuildingStrategy& strategy) = 0;
+    // Places a part of a media item: from `sourceIn` into the file, `sourceLength` long (cut
+    // to the file's end when the file is opened). Nothing for an item that is not media.
+    virtual QList<IClip*> addMediaRange(const CollectionItem& item, MediaTime sourceIn, MediaTime sourceLength,
+                                        const ClipBuildingStrategy& strategy) = 0;
 
     // Moves a clip (and its group) to `start` on `track`; false when the track is of the
     // wrong kind or the clip is not here.

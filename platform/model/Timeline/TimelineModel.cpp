@@ -447,6 +447,29 @@ private:
     Effects m_after;
 };
 
+class TimelineModel::TextCommand : public Command
+{
+public:
+    TextCommand(TimelineModel* model, std::shared_ptr<Clip> clip, QString before, QString after)
+        : Command(model, QCoreApplication::translate("Timeline", "Edit text")), m_clip(std::move(clip)),
+          m_before(std::move(before)), m_after(std::move(after))
+    {
+    }
+    void redo() override { apply(m_after); }
+    void undo() override { apply(m_before); }
+
+private:
+    void apply(const QString& text)
+    {
+        m_clip->m_data.text = text;
+        const QList<IClip*> clips{m_clip.get()};
+        m->notify([&](ITimelineObserver* o) { o->clipsChanged(*m, clips); });
+    }
+    std::shared_ptr<Clip> m_clip;
+    QString m_before;
+    QString m_after;
+};
+
 class TimelineModel::VideoCommand : public Command
 {
 public:
@@ -842,6 +865,25 @@ std::shared_ptr<Clip> TimelineModel::makeClip(Clip::Data data)
 
 QList<IClip*> TimelineModel::placeMedia(const QStringList& paths, const ClipBuildingStrategy& strategy)
 {
+    return placeMediaParts(paths, strategy, nullptr);
+}
+
+QList<IClip*> TimelineModel::addMediaRange(const CollectionItem& item, MediaTime sourceIn, MediaTime sourceLength,
+                                           const ClipBuildingStrategy& strategy)
+{
+    if (item.kind != CollectionItem::Kind::Media || item.filePath.isEmpty() || sourceIn.microseconds() < 0
+        || sourceLength.microseconds() <= 0)
+        return {};
+    ClipBuildingStrategy s = strategy;
+    if (!item.name.isEmpty())
+        s.properties.insert(QStringLiteral("name"), item.name);
+    const std::pair<MediaTime, MediaTime> range(sourceIn, sourceLength);
+    return placeMediaParts({item.filePath}, s, &range);
+}
+
+QList<IClip*> TimelineModel::placeMediaParts(const QStringList& paths, const ClipBuildingStrategy& strategy,
+                                             const std::pair<MediaTime, MediaTime>* range)
+{
     const QStringList pictures = FileUtil::pictureExtensions();
     const QStringList music = FileUtil::musicExtensions();
     std::vector<MediaTime> ends(m_tracks.size());
@@ -881,6 +923,14 @@ QList<IClip*> TimelineModel::placeMedia(const QStringList& paths, const ClipBuil
         data.description.category = strategy.properties.value(QStringLiteral("category"), data.description.category).toString();
         const MediaTime fileLength = opened ? file->fileDuration() : MediaTime();
         data.timing.sourceLength = picture || fileLength.microseconds() <= 0 ? strategy.stillDuration : fileLength;
+        if (range && !picture) {
+            const qint64 available = fileLength.microseconds() > 0
+                ? fileLength.microseconds() - range->first.microseconds() : range->second.microseconds();
+            if (available <= 0)
+                continue; // starts beyond the end of the file
+            data.timing.sourceIn = range->first;
+            data.timing.sourceLength = MediaTime::fromMicroseconds(std::min(available, range->second.microseconds()));
+        }
         const bool audioOnly = data.type == ClipTypes(ClipType::Audio);
         data.track = firstTrack(audioOnly ? TrackKind::Audio : TrackKind::Video, strategy.track);
         const int audioTrack = firstTrack(TrackKind::Audio, audioOnly ? strategy.track : -1);
@@ -974,6 +1024,15 @@ IClip* TimelineModel::addOverlayPreset(const OverlayPreset& preset, const ClipBu
     auto clip = makeClip(data);
     m_undo->push(new InsertCommand(this, {clip}, QCoreApplication::translate("Timeline", "Add %1").arg(preset.name)));
     return clip.get();
+}
+
+bool TimelineModel::setClipText(IClip* c, const QString& text)
+{
+    Clip* clip = own(c);
+    if (!clip || !(clip->m_data.type & (ClipType::Title | ClipType::Overlay)) || clip->m_data.text == text)
+        return false;
+    m_undo->push(new TextCommand(this, shared(clip), clip->m_data.text, text));
+    return true;
 }
 
 std::shared_ptr<Clip> TimelineModel::shared(Clip* clip) const

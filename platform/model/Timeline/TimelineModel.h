@@ -65,6 +65,10 @@ public:
     QList<IClip*> placeMedia(const QStringList& paths, const ClipBuildingStrategy& strategy) override;
     QList<IClip*> addCollectionItem(const CollectionItem& item, const ClipBuildingStrategy& strategy) override;
     IClip* addOverlayPreset(const OverlayPreset& preset, const ClipBuildingStrategy& strategy) override;
+    QList<IClip*> addMediaRange(const CollectionItem& item, MediaTime sourceIn, MediaTime sourceLength,
+                                const ClipBuildingStrategy& strategy) override;
+    // Changes the text of a title or overlay clip, as one undo step; false when it is not one.
+    bool setClipText(IClip* clip, const QString& text);
     bool moveClip(IClip* clip, int track, MediaTime start) override;
     void removeClips(const QList<IClip*>& clips) override;
     QList<IClip*> selectedClips() const override;
@@ -99,6 +103,7 @@ private:
     class TimingCommand;
     class EffectsCommand;
     class VideoCommand;
+    class TextCommand;
     struct Track
     {
         TrackKind kind;
@@ -117,6 +122,9 @@ private:
     MediaTime trackEnd(int track) const;
     void forgetEnds();
     std::shared_ptr<Clip> makeClip(Clip::Data data);
+    // A part of each file when `range` is set (in, length).
+    QList<IClip*> placeMediaParts(const QStringList& paths, const ClipBuildingStrategy& strategy,
+                                  const std::pair<MediaTime, MediaTime>* range);
     void attach(const std::vector<std::shared_ptr<Clip>>& clips);
     void detach(const std::vector<std::shared_ptr<Clip>>& clips);
     void placeInTrack(const std::shared_ptr<Clip>& clip);

@@ -1,0 +1,9 @@
+#include "AppEvents/AppEvents.h"
+
+namespace AppEvents {
+Object* globalObject()
+{
+    static Object object;
+    return &object;
+}
+} // namespace AppEvents
