@@ -18,3 +18,5 @@ now_ms() { date +%s%3N; }
 # The smallest number of a file of numbers: the machine is shared, the least disturbed run counts.
 least() { sort -g "$1" | head -1; }
 ratio() { awk "BEGIN { printf \"%.${3:-3}f\", $1 / $2 }"; }
+# The first line of a run's output: when, on how many cores, under what load.
+banner() { echo "# $(date -u), $(nproc) cores, load $(cut -d' ' -f1-3 /proc/loadavg)"; }

@@ -14,7 +14,7 @@ bin=$build/bin
 . "$here/common.sh"
 require "$bin/bench_draganddrop"
 export QT_QPA_PLATFORM=offscreen
-echo "# $(date -u), $(nproc) cores, load $(cut -d' ' -f1-3 /proc/loadavg)"
+banner
 "$bin/bench_draganddrop" 1000 10000 | tee "$work/table.md"
 awk -F'|' '$2 + 0 == 1000 { small = $6; smallEnter = $3; smallQt = $8; smallFs = $10 }
     $2 + 0 == 10000 { big = $6; bigEnter = $3; stall = $7; bigQt = $8; bigFs = $10 }

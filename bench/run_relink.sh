@@ -32,7 +32,7 @@ mkdir -p "$KLIPVANE_CONFIG_DIR" "$KLIPVANE_LOG_DIR" "$XDG_RUNTIME_DIR"
 chmod 700 "$XDG_RUNTIME_DIR"
 
 [ $# -ge 2 ] || set -- 300000 30000 1000000 100000
-echo "# $(date -u), $(nproc) cores, load $(cut -d' ' -f1-3 /proc/loadavg)"
+banner
 while [ $# -ge 2 ]; do
     files=$1 folders=$2
     shift 2

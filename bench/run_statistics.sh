@@ -13,7 +13,7 @@ bin=$build/bin
 . "$here/common.sh"
 require "$bin/bench_statistics"
 export QT_QPA_PLATFORM=offscreen
-echo "# $(date -u), $(nproc) cores, load $(cut -d' ' -f1-3 /proc/loadavg)"
+banner
 # Each record's log line goes to stderr, as in the host; here to nowhere.
 "$bin/bench_statistics" parse 500 2>/dev/null | tee "$work/p500"
 "$bin/bench_statistics" parse 5000 2>/dev/null | tee "$work/p5000"

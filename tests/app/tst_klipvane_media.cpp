@@ -118,7 +118,7 @@ private slots:
         host.start(KvTest::builtProgram(QStringLiteral("klipvane")), {"--locale", "de_DE", "--quit-after-ready", "0"});
         QVERIFY(host.waitForFinished(30000));
         QCOMPARE(KvTest::logged(host.readAll(), QStringLiteral("collection page: ")),
-                 (QStringList{"UserFiles \"Ihre Dateien\"", "Effects \"Effekte\""}));
+                 (QStringList{"UserFiles \"Ihre Dateien\"", "Effects \"Effekte\"", "Overlays \"Einblendungen\""}));
     }
 
     // Quitting while hundreds of files are still opening: the media threads are stopped

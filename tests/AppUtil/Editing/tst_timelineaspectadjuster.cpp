@@ -120,22 +120,22 @@ private slots:
         QStringList paths;
         QString category;
         for (int i = 0; i < files.size(); ++i) {
-            QString spec = files.at(i);
+            QString entry = files.at(i);
             Media::File::State state = Media::File::State::Opened;
-            if (spec.startsWith("opening "))
+            if (entry.startsWith("opening "))
                 state = Media::File::State::Opening;
-            if (spec.startsWith("failed "))
+            if (entry.startsWith("failed "))
                 state = Media::File::State::Failed;
-            if (spec.startsWith("effects "))
+            if (entry.startsWith("effects "))
                 category = QStringLiteral("Special effects");
-            spec = spec.section(' ', -1);
+            entry = entry.section(' ', -1);
             const QString path = QStringLiteral("/m/%1.mp4").arg(i);
             paths << path;
-            if (spec == "missing")
+            if (entry == "missing")
                 continue;
             QList<QSize> sizes;
-            if (spec != "sound")
-                for (const QString& size : spec.split(','))
+            if (entry != "sound")
+                for (const QString& size : entry.split(','))
                     sizes << QSize(size.section('x', 0, 0).toInt(), size.section('x', 1, 1).toInt());
             media.add(path, sizes, true, state);
         }
