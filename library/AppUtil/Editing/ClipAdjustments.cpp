@@ -308,7 +308,7 @@ void EffectAdjustment::updateEffect(std::function<void(Effect::Object&)> const& 
         return;
     }
     UndoStep step(m_effects.begin()->first, m_effects.size(),
-                  QCoreApplication::translate("Timeline", "Change %1").arg(m_fallbackNameKey));
+                  QCoreApplication::translate("Timeline", "Change %1").arg(Translator::translate(m_fallbackNameKey)));
     for (auto& entry : m_effects) {
         std::shared_ptr<Effect::Object> copy = Serialize::deepCopy(entry.second);
         if (!copy)

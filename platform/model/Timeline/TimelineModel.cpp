@@ -1,6 +1,7 @@
 #include "Timeline/TimelineModel.h"
 
 #include "Serialize/JsonReader.h"
+#include "Translator/Translator.h"
 
 #include <FileUtil/FileUtil.h>
 
@@ -1297,7 +1298,7 @@ bool TimelineModel::replaceEffect(IClip* clip, std::shared_ptr<Effect::Object> e
             }
             return false;
         },
-        QCoreApplication::translate("Timeline", "Change %1").arg(effect->nameKey()));
+        QCoreApplication::translate("Timeline", "Change %1").arg(Translator::translate(effect->nameKey())));
 }
 
 void TimelineModel::setVideo(const Media::Video& video)
