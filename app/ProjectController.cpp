@@ -95,6 +95,10 @@ ProjectController::ProjectController(MainWindow* window, MediaBin* bin, QObject*
 ProjectController::~ProjectController()
 {
     m_window->removeEventFilter(this);
+    // The timeline (and its undo stack) goes after this object's other members; the stack
+    // says it is clean again as it goes, and the title must not be remade from fields that
+    // are already gone.
+    disconnect(m_timeline.undoStack(), nullptr, this, nullptr);
 }
 
 bool ProjectController::isModified() const

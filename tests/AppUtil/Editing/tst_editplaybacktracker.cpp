@@ -113,7 +113,7 @@ private slots:
         QVERIFY(s.tracker->playing());
 
         ScriptedPlayback next;
-        Playback::setCurrent(&next);
+        CurrentPlayback nextIsCurrent(&next); // taken away again before `next` goes
         playback.setState(Playback::State::Paused); // no longer followed
         QCOMPARE(state.count(), 1);
         QVERIFY(!s.tracker->playing());
