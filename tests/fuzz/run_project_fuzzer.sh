@@ -19,7 +19,8 @@ qtbin=$(pkg-config --variable=host_bins Qt5Core)
 fail() { echo "run_project_fuzzer: $*" >&2; exit 1; }
 model=$root/platform/model
 sources="$model/Effect/Effect.cpp $model/Timeline/TimelineModel.cpp $model/Serialize/Serialize.cpp
-  $model/Serialize/JsonReader.cpp $model/Project/ProjectFile.cpp $model/Translator/Translator.cpp"
+  $model/Serialize/JsonReader.cpp $model/Project/ProjectFile.cpp $model/Project/Relink.cpp
+  $model/Translator/Translator.cpp"
 stale() { [ ! -x "$1" ] || [ -n "$(find "$here/fuzz_project.cpp" $sources "$model/Timeline" "$model/Effect" "$0" -newer "$1")" ]; }
 
 mkdir -p "$out/seeds" "$out/corpus" "$out/crashes" "$out/gen"

@@ -36,6 +36,50 @@ QThreadPool& threadPool()
     return *pool;
 }
 
+struct Beside::State
+{
+    std::function<void()> work;
+    std::atomic_bool taken{false};
+    std::mutex mutex;
+    std::condition_variable finished;
+    bool done = false;
+};
+
+Beside::Beside(std::function<void()> work) : m_state(std::make_shared<State>())
+{
+    m_state->work = std::move(work);
+    // A pool thread that comes to it after the caller took the work leaves at once: it
+    // holds the state alive, never touches what the work refers to.
+    threadPool().start([state = m_state] {
+        if (state->taken.exchange(true))
+            return;
+        state->work();
+        std::lock_guard<std::mutex> lock(state->mutex);
+        state->done = true;
+        state->finished.notify_all();
+    });
+}
+
+Beside::~Beside()
+{
+    wait();
+}
+
+void Beside::wait()
+{
+    if (!m_state)
+        return;
+    if (!m_state->taken.exchange(true)) {
+        m_state->work();
+    } else {
+        std::unique_lock<std::mutex> lock(m_state->mutex);
+        m_state->finished.wait(lock, [this] { return m_state->done; });
+    }
+    // Whatever the work holds goes now, not whenever a late pool thread lets go of the state.
+    m_state->work = nullptr;
+    m_state.reset();
+}
+
 namespace {
 
 struct Entry

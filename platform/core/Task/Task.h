@@ -97,4 +97,26 @@ private:
 // global pool so that media probing and searches do not queue behind each other.
 QThreadPool& threadPool();
 
+// Work done beside the caller's own: started on threadPool() at construction, and waited for
+// by wait() (or the destructor). If no pool thread has taken the work by then, the waiting
+// thread does it itself, so a busy pool never makes the caller wait for its queue. `work`
+// runs exactly once and must not throw.
+//
+//     Task::Beside lookup([&] { statFiles(entries); });   // on another core...
+//     readClips();                                         // ...while this one works
+//     lookup.wait();
+class Beside
+{
+public:
+    explicit Beside(std::function<void()> work);
+    ~Beside();
+    Beside(const Beside&) = delete;
+    Beside& operator=(const Beside&) = delete;
+    void wait();
+
+private:
+    struct State;
+    std::shared_ptr<State> m_state;
+};
+
 } // namespace Task

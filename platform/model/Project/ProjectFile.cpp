@@ -10,6 +10,10 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QSaveFile>
+#include <QThreadPool>
+
+#include "Project/Relink.h"
+#include "Task/Task.h"
 
 namespace Project {
 
@@ -21,6 +25,24 @@ QString trackName(Timeline::TrackKind kind)
 {
     return kind == Timeline::TrackKind::Audio ? QStringLiteral("audio") : QStringLiteral("video");
 }
+
+// Looks for each medium where it was, else where it is beside the project (a folder moved
+// together with its media still opens), and sets `resolved` where one is found; reads the
+// recorded dates (`modified[i]` is the text of media[i]'s).
+void findMedia(QList<MediaEntry>* media, const QStringList& modified, const QString& folderPath)
+{
+    const QDir folder(folderPath);
+    for (int i = 0; i < media->size(); ++i) {
+        MediaEntry& entry = (*media)[i];
+        entry.modified = QDateTime::fromString(modified.at(i), Qt::ISODateWithMs);
+        if (QFileInfo(entry.path).isFile())
+            entry.resolved = QDir::cleanPath(entry.path);
+        else if (!entry.relative.isEmpty() && QFileInfo(folder.filePath(entry.relative)).isFile())
+            entry.resolved = QDir::cleanPath(folder.absoluteFilePath(entry.relative));
+    }
+}
+
+bool readDocument(const QJsonDocument& document, const QString& path, Loaded* loaded, QString* error);
 
 } // namespace
 
@@ -125,9 +147,12 @@ bool load(const QString& path, Loaded* loaded, QString* error)
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return refuse(QCoreApplication::translate("Project", "The file could not be read: %1").arg(file.errorString()));
-    // Read at most one byte more than allowed: a file that grew since the check is refused
-    // without being read whole.
-    const QByteArray bytes = file.read(kMaxFileSize + 1);
+    // As much as the file held at the check and one byte more, then whatever it grew by up
+    // to one byte beyond the limit: a file that grew is refused without being read whole,
+    // and a small project does not reserve the limit's worth of memory.
+    QByteArray bytes = file.read(info.size() + 1);
+    if (!file.atEnd() && bytes.size() <= kMaxFileSize)
+        bytes += file.read(kMaxFileSize + 1 - bytes.size());
     return parse(bytes, info.absoluteFilePath(), loaded, error);
 }
 
@@ -141,9 +166,25 @@ bool parse(const QByteArray& bytes, const QString& path, Loaded* loaded, QString
     if (bytes.size() > kMaxFileSize)
         return refuse(QCoreApplication::translate("Project", "The file is larger than %1 MB; a project is never that large.").arg(kMaxFileSize / (1024 * 1024)));
     QJsonParseError parseError{};
-    const QJsonDocument document = QJsonDocument::fromJson(bytes, &parseError);
+    QJsonDocument document = QJsonDocument::fromJson(bytes, &parseError);
     if (parseError.error != QJsonParseError::NoError)
         return refuse(QCoreApplication::translate("Project", "The file is damaged or incomplete (%1 at byte %2).").arg(parseError.errorString()).arg(parseError.offset));
+    const bool read = readDocument(document, path, loaded, error);
+    // Taking apart tens of thousands of parsed objects is left to a pool thread: nobody
+    // waits for it, and it was a tenth of loading a large project.
+    Task::threadPool().start([document = std::move(document)]() mutable { document = QJsonDocument(); });
+    return read;
+}
+
+namespace {
+
+bool readDocument(const QJsonDocument& document, const QString& path, Loaded* loaded, QString* error)
+{
+    const auto refuse = [error](const QString& why) {
+        if (error)
+            *error = why;
+        return false;
+    };
     const QJsonObject root = document.object();
     if (!document.isObject() || root.value(QStringLiteral("format")).toString() != kFormatName)
         return refuse(QCoreApplication::translate("Project", "The file is not a Klipvane project."));
@@ -183,9 +224,11 @@ bool parse(const QByteArray& bytes, const QString& path, Loaded* loaded, QString
             reader.fail(Serialize::JsonReader::path(QStringLiteral("tracks"), i), QCoreApplication::translate("Project", "neither \"video\" nor \"audio\""));
     }
 
-    const QDir folder = QFileInfo(path).absoluteDir();
     const QJsonArray media = reader.array(root, QLatin1String("media"), QString(), 100000);
-    QStringList resolvedPaths;
+    // The table as written; the clips point at these paths until the files are found.
+    QStringList writtenPaths;
+    QStringList modifiedTexts;
+    writtenPaths.reserve(media.size());
     for (int i = 0; i < media.size() && reader.ok(); ++i) {
         const QString where = Serialize::JsonReader::path(QStringLiteral("media"), i);
         const QJsonObject o = reader.element(media, i, QStringLiteral("media"));
@@ -193,26 +236,21 @@ bool parse(const QByteArray& bytes, const QString& path, Loaded* loaded, QString
         entry.path = reader.string(o, QLatin1String("path"), where);
         entry.relative = reader.string(o, QLatin1String("relative"), where, 4096, false);
         entry.size = reader.integer(o, QLatin1String("size"), where, 0, std::numeric_limits<qint64>::max() / 2, -1, false);
-        const QString modified = reader.string(o, QLatin1String("modified"), where, 64, false);
+        modifiedTexts << reader.string(o, QLatin1String("modified"), where, 64, false);
         if (!reader.ok())
             break;
         if (!QDir::isAbsolutePath(entry.path)) {
             reader.fail(Serialize::JsonReader::path(where, QStringLiteral("path")), QCoreApplication::translate("Project", "not an absolute path"));
             break;
         }
-        entry.modified = QDateTime::fromString(modified, Qt::ISODateWithMs);
-        // Where it was, else where it is beside the project: a folder moved together with
-        // its media still opens.
-        if (QFileInfo(entry.path).isFile())
-            entry.resolved = QDir::cleanPath(entry.path);
-        else if (!entry.relative.isEmpty() && QFileInfo(folder.filePath(entry.relative)).isFile())
-            entry.resolved = QDir::cleanPath(folder.absoluteFilePath(entry.relative));
-        const QString used = entry.resolved.isEmpty() ? QDir::cleanPath(entry.path) : entry.resolved;
-        if (entry.resolved.isEmpty())
-            content.missingMedia.insert(used);
-        resolvedPaths << used;
+        writtenPaths << QDir::cleanPath(entry.path);
         result.media << entry;
     }
+    // The files are looked for on another core while this one reads the clips: on a large
+    // project the file system's answers were a fifth of loading.
+    Task::Beside lookup([&result, &modifiedTexts, folderPath = QFileInfo(path).absolutePath()] {
+        findMedia(&result.media, modifiedTexts, folderPath);
+    });
 
     const QJsonArray clips = reader.array(root, QLatin1String("clips"), QString(), 1000000);
     content.clips.reserve(size_t(clips.size()));
@@ -225,11 +263,22 @@ bool parse(const QByteArray& bytes, const QString& path, Loaded* loaded, QString
         where.truncate(stem);
         where += QString::number(i);
         where += QLatin1Char(']');
-        if (auto clip = Timeline::Clip::fromJson(reader.element(clips, i, clipsKey), reader, where, &resolvedPaths))
+        if (auto clip = Timeline::Clip::fromJson(reader.element(clips, i, clipsKey), reader, where, &writtenPaths))
             content.clips.push_back(std::move(clip));
     }
+    lookup.wait();
     if (!reader.ok())
         return refuse(QCoreApplication::translate("Project", "The project is damaged: %1").arg(reader.error()));
+    // Media found beside the project rather than where they were: their clips follow them.
+    QMap<QString, QString> moved;
+    for (int i = 0; i < result.media.size(); ++i) {
+        const MediaEntry& entry = result.media.at(i);
+        if (entry.resolved.isEmpty())
+            content.missingMedia.insert(writtenPaths.at(i));
+        else if (entry.resolved != writtenPaths.at(i))
+            moved.insert(writtenPaths.at(i), entry.resolved);
+    }
+    repoint(&content, moved);
     QString why;
     if (!Timeline::TimelineModel::validate(content, &why))
         return refuse(QCoreApplication::translate("Project", "The project is damaged: %1").arg(why));
@@ -237,5 +286,7 @@ bool parse(const QByteArray& bytes, const QString& path, Loaded* loaded, QString
         *loaded = std::move(result);
     return true;
 }
+
+} // namespace
 
 } // namespace Project

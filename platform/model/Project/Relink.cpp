@@ -18,21 +18,6 @@ QString missingKey(const MediaEntry& media)
     return QDir::cleanPath(media.path);
 }
 
-// Points every clip whose media path is a key of `paths` at its value. A clip's values are
-// fixed once made, so a repointed clip is a copy; the content is not on a timeline yet, so
-// nothing else holds the old clips.
-void repoint(Timeline::TimelineModel::Content* content, const QMap<QString, QString>& paths)
-{
-    for (std::shared_ptr<Timeline::Clip>& clip : content->clips) {
-        const auto it = paths.constFind(clip->mediaPath());
-        if (it == paths.constEnd())
-            continue;
-        Timeline::Clip::Data data = clip->data();
-        data.mediaPath = it.value();
-        clip = std::make_shared<Timeline::Clip>(std::move(data));
-    }
-}
-
 // "name.ext", then "name (2).ext", "name (3).ext"... whichever `taken` does not hold yet.
 QString freeName(const QFileInfo& file, QSet<QString>* taken)
 {
@@ -45,6 +30,23 @@ QString freeName(const QFileInfo& file, QSet<QString>* taken)
 }
 
 } // namespace
+
+// Points every clip whose media path is a key of `paths` at its value. A clip's values are
+// fixed once made, so a repointed clip is a copy; the content is not on a timeline yet, so
+// nothing else holds the old clips.
+void repoint(Timeline::TimelineModel::Content* content, const QMap<QString, QString>& paths)
+{
+    if (paths.isEmpty())
+        return;
+    for (std::shared_ptr<Timeline::Clip>& clip : content->clips) {
+        const auto it = paths.constFind(clip->mediaPath());
+        if (it == paths.constEnd())
+            continue;
+        Timeline::Clip::Data data = clip->data();
+        data.mediaPath = it.value();
+        clip = std::make_shared<Timeline::Clip>(std::move(data));
+    }
+}
 
 QHash<QString, qint64> recordedSizes(const Loaded& loaded)
 {

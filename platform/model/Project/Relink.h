@@ -26,6 +26,9 @@ QHash<QString, qint64> recordedSizes(const Loaded& loaded);
 // Returns the number of media entries relinked.
 int relink(Loaded* loaded, const QMap<QString, QString>& found);
 
+// Points every clip of `content` whose media path is a key of `paths` at its value.
+void repoint(Timeline::TimelineModel::Content* content, const QMap<QString, QString>& paths);
+
 // Copies the media of `timeline` into a "media" folder beside `path` ("name (2).ext" for a
 // second file of one name) and saves at `path` a project whose clips use the copies; the
 // loader finds them by their relative paths wherever the folder goes. Missing media keep

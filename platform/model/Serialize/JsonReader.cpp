@@ -27,7 +27,16 @@ bool JsonReader::present(const QJsonObject& o, QLatin1String key, const QString&
     if (!ok())
         return false;
     // One lookup per field: loading a large project reads hundreds of thousands of them.
-    v = o.value(key);
+    // Looked up as UTF-16: QJsonObject compares a Latin-1 key through a temporary copy of
+    // each key it passes, an allocation per step of the search.
+    QChar wide[64];
+    if (key.size() <= 64) {
+        for (int i = 0; i < key.size(); ++i)
+            wide[i] = QChar(key.at(i));
+        v = o.value(QStringView(wide, key.size()));
+    } else {
+        v = o.value(key);
+    }
     if (!v.isUndefined()) {
         ++m_found;
         return true;

@@ -9,8 +9,7 @@ namespace Serialize {
 // Reads fields of untrusted JSON with their limits. The first problem is kept as the
 // error, with the path of the field ("tracks[1].clips[4].speed: ..."); after it every
 // read returns a harmless default, so callers check ok() once at the end. Keys are Latin-1
-// literals: QJsonObject finds them by comparing bytes, where a QString key is compared
-// character by character against every key of the binary search.
+// literals, widened on the stack for the lookup (see present()).
 class JsonReader
 {
 public:

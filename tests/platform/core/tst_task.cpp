@@ -164,6 +164,47 @@ private slots:
         QCOMPARE(running->done.load(), stoppedAt);
     }
 
+    // Work beside the caller runs once: on a pool thread while one is free, else on the
+    // thread that waits for it (never behind the pool's queue); wait() returns after it.
+    void besideRunsOnceWhereAThreadIsFree_data()
+    {
+        QTest::addColumn<bool>("poolBusy");
+        QTest::newRow("free pool") << false;
+        QTest::newRow("busy pool") << true;
+    }
+
+    void besideRunsOnceWhereAThreadIsFree()
+    {
+        QFETCH(bool, poolBusy);
+        std::atomic_bool release{false};
+        std::atomic_int blocked{0};
+        const int blockers = poolBusy ? Task::threadPool().maxThreadCount() : 0;
+        for (int i = 0; i < blockers; ++i) {
+            Task::threadPool().start([&] {
+                ++blocked;
+                while (!release)
+                    QThread::msleep(1);
+            });
+        }
+        QTRY_COMPARE(blocked.load(), blockers);
+        std::atomic_int runs{0};
+        QThread* ranOn = nullptr;
+        {
+            Task::Beside beside([&] {
+                ++runs;
+                ranOn = QThread::currentThread();
+            });
+            if (!poolBusy)
+                QTRY_COMPARE(runs.load(), 1);
+            beside.wait();
+            QCOMPARE(runs.load(), 1);
+        }
+        release = true;
+        QVERIFY(Task::threadPool().waitForDone(5000));
+        QCOMPARE(runs.load(), 1);
+        QCOMPARE(ranOn == QThread::currentThread(), poolBusy);
+    }
+
     void reportClampsAndIgnoresNullExecutors()
     {
         Task::Progress progress;

@@ -135,6 +135,9 @@ private slots:
         QCOMPARE(loaded.missingCount(), 0);
         QVERIFY(std::any_of(loaded.media.begin(), loaded.media.end(),
                             [&](const Project::MediaEntry& m) { return m.resolved == moved + "/media/b.mp3"; }));
+        // The clips follow their media to where they were found.
+        for (const auto& clip : loaded.content.clips)
+            QVERIFY2(clip->mediaPath().isEmpty() || clip->mediaPath().startsWith(moved + '/'), qPrintable(clip->mediaPath()));
 
         QVERIFY(QFile::remove(moved + "/media/b.mp3"));
         QVERIFY(Project::load(moved + "/story.kvproj", &loaded, &error));
