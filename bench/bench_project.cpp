@@ -1,7 +1,7 @@
 // bench_project io CLIPS MEDIA DIR   a project of CLIPS clips over MEDIA files (made in DIR),
 //                                    saved and loaded through the project file code, against
 //                                    QJsonDocument alone writing and parsing the same bytes;
-//                                    best of five each, in milliseconds.
+//                                    interleaved, best of 15 rounds each, in milliseconds.
 // bench_project load FILE N          FILE loaded N times (for a profiler: no setup, no peer).
 // bench_project edit N               N clips placed one by one (N undo steps), all selected,
 //                                    all removed in one step; milliseconds of each phase.
