@@ -306,8 +306,13 @@ void DBusPowerManager::releaseNow()
     // An answer on its way may carry a cookie; waiting for it (bounded by the call's
     // timeout) is the only way to give it back.
     if (m_stage == Stage::Inhibiting && m_inhibitCall) {
-        m_inhibitCall->waitForFinished();
-        if (takeInhibition(m_inhibitCall->reply(), m_service))
+        QDBusPendingCallWatcher* call = m_inhibitCall;
+        // waitForFinished() delivers the watcher's finished signal before it returns; the
+        // usual handler would take the answer (and forget the call, or try the next service)
+        // under our feet, so the answer is taken here alone.
+        call->disconnect(this);
+        call->waitForFinished();
+        if (takeInhibition(call->reply(), m_service))
             m_stage = Stage::Inhibited;
     }
     m_inhibitCall = nullptr;

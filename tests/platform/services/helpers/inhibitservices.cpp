@@ -1,7 +1,7 @@
 // The desktop's inhibition services as far as the session bus can tell. Each argument is
 // <service>:<behaviour>, service one of screensaver, powermanagement, gnome, portal, and
-// behaviour one of answer (a cookie or request handle), silent (never replies) or refuse
-// (an error). Prints "ready" once every name is owned, then one line per call:
+// behaviour one of answer (a cookie or request handle), late (the same, 150 ms after saying
+// "Inhibit <service> late"), silent (never replies) or refuse (an error). Prints "ready" once every name is owned, then one line per call:
 //
 //   Inhibit screensaver 42                    a cookie handed out
 //   Inhibit gnome 43 xid=0 flags=12
@@ -18,6 +18,7 @@
 #include <QDBusObjectPath>
 #include <QDBusVirtualObject>
 #include <QMap>
+#include <QTimer>
 #include <QSet>
 #include <QStringList>
 
@@ -71,6 +72,11 @@ public:
             if (behaviour == QLatin1String("silent")) {
                 say(QStringLiteral("Inhibit %1 unanswered").arg(key));
                 return true; // the caller's timeout is all it gets
+            }
+            if (behaviour == QLatin1String("late")) {
+                say(QStringLiteral("Inhibit %1 late").arg(key));
+                QTimer::singleShot(150, this, [this, key, message, connection] { inhibit(key, message, connection); });
+                return true;
             }
             if (behaviour == QLatin1String("refuse")) {
                 say(QStringLiteral("Inhibit %1 refused").arg(key));
