@@ -93,11 +93,13 @@ private slots:
         host.setWorkingDirectory(root);
         // English whatever the machine's language: the HDR notice is recognised by its title.
         host.start(KvTest::builtProgram(QStringLiteral("klipvane")), QStringList{"--locale", "en_US"} + files);
-        // The host keeps running after the batch; it is followed until the reports are over.
+        // The host keeps running after the batch; it is followed until the reports are over
+        // (the status line comes after the batch's report, later still under the sanitizers).
         QByteArray log;
         const auto reported = [&] {
             log += host.readAll();
-            return !KvTest::logged(log, QStringLiteral("media batch reported: ")).isEmpty()
+            return (!KvTest::logged(log, QStringLiteral("media batch reported: ")).isEmpty()
+                    && !KvTest::logged(log, QStringLiteral("status: ")).isEmpty())
                 || host.state() == QProcess::NotRunning;
         };
         QVERIFY(QTest::qWaitFor(reported, 60000));
