@@ -109,6 +109,20 @@ QString levelDetails(UsageTracker::Level level)
     }
     return QCoreApplication::translate("UsageUi", "Nothing is recorded.");
 }
+
+// The level as the user reads it; UsageTracker::levelName() is the word the settings keep.
+QString levelText(UsageTracker::Level level)
+{
+    switch (level) {
+    case UsageTracker::Level::Basic:
+        return QCoreApplication::translate("UsageUi", "basic", "usage recording level");
+    case UsageTracker::Level::Detailed:
+        return QCoreApplication::translate("UsageUi", "detailed", "usage recording level");
+    case UsageTracker::Level::Off:
+        break;
+    }
+    return QCoreApplication::translate("UsageUi", "off", "usage recording level");
+}
 } // namespace
 
 UsagePreferencesDialog::UsagePreferencesDialog(UsageTracker* tracker, QWidget* parent)
@@ -201,7 +215,7 @@ void UsageDataDialog::fill()
 {
     const QList<UsageTracker::Record> records = m_tracker->records();
     QString status = QCoreApplication::translate("UsageUi", "Recording: %1. %n record(s), kept in %2.", nullptr, records.size())
-                         .arg(UsageTracker::levelName(m_tracker->level()), m_tracker->logPath());
+                         .arg(levelText(m_tracker->level()), m_tracker->logPath());
     if (!m_tracker->isLogHealthy())
         status += QLatin1Char(' ') + QCoreApplication::translate("UsageUi",
             "That file cannot be written or is damaged: this session's records are kept in memory only.");

@@ -1020,7 +1020,7 @@
     </message>
     <message>
         <location line="+4"/>
-        <location filename="../platform/model/Timeline/TimelineModel.cpp" line="+294"/>
+        <location filename="../platform/model/Timeline/TimelineModel.cpp" line="+297"/>
         <source>empty</source>
         <translation type="unfinished"></translation>
     </message>
@@ -1045,7 +1045,7 @@
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <location filename="../platform/model/Project/ProjectFile.cpp" line="+104"/>
+        <location filename="../platform/model/Project/ProjectFile.cpp" line="+126"/>
         <source>The project could not be written: %1</source>
         <translation type="unfinished"></translation>
     </message>
@@ -1065,7 +1065,7 @@
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <location line="+15"/>
+        <location line="+18"/>
         <source>The file is larger than %1 MB; a project is never that large.</source>
         <translation type="unfinished"></translation>
     </message>
@@ -1075,7 +1075,7 @@
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <location line="+3"/>
+        <location line="+19"/>
         <source>The file is not a Klipvane project.</source>
         <translation type="unfinished"></translation>
     </message>
@@ -1095,18 +1095,18 @@
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <location line="+17"/>
+        <location line="+19"/>
         <source>not an absolute path</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <location line="+32"/>
-        <location line="+3"/>
+        <location line="+28"/>
+        <location line="+13"/>
         <source>The project is damaged: %1</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <location filename="../platform/model/Project/Relink.cpp" line="+82"/>
+        <location filename="../platform/model/Project/Relink.cpp" line="+84"/>
         <source>The folder %1 could not be made.</source>
         <translation type="unfinished"></translation>
     </message>
@@ -1116,7 +1116,7 @@
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <location filename="../platform/model/Serialize/JsonReader.cpp" line="+36"/>
+        <location filename="../platform/model/Serialize/JsonReader.cpp" line="+45"/>
         <source>missing</source>
         <translation type="unfinished"></translation>
     </message>
@@ -1180,7 +1180,7 @@
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <location line="+37"/>
+        <location line="+41"/>
         <source>&amp;File</source>
         <translation type="unfinished"></translation>
     </message>
@@ -1655,12 +1655,12 @@
     <name>Timeline</name>
     <message>
         <location filename="../library/AppUtil/Editing/ClipAdjustments.cpp" line="-16"/>
-        <location filename="../platform/model/Timeline/TimelineModel.cpp" line="+1006"/>
+        <location filename="../platform/model/Timeline/TimelineModel.cpp" line="+1023"/>
         <source>Change %1</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <location filename="../platform/model/Timeline/TimelineModel.cpp" line="-921"/>
+        <location filename="../platform/model/Timeline/TimelineModel.cpp" line="-938"/>
         <source>Move clip</source>
         <translation type="unfinished"></translation>
     </message>
@@ -1680,12 +1680,12 @@
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <location line="+9"/>
+        <location line="+30"/>
         <source>two clips have the id &quot;%1&quot;</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <location line="+2"/>
+        <location line="-20"/>
         <source>clip &quot;%1&quot; is on track %2, which does not exist</source>
         <translation type="unfinished"></translation>
     </message>
@@ -1695,7 +1695,7 @@
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <location line="+9"/>
+        <location line="+27"/>
         <source>clip &quot;%1&quot; belongs to a group that does not exist</source>
         <translation type="unfinished"></translation>
     </message>
@@ -1882,6 +1882,24 @@
     <message>
         <location line="+6"/>
         <source>Nothing is recorded.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+8"/>
+        <source>basic</source>
+        <comment>usage recording level</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+2"/>
+        <source>detailed</source>
+        <comment>usage recording level</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+4"/>
+        <source>off</source>
+        <comment>usage recording level</comment>
         <translation type="unfinished"></translation>
     </message>
     <message>

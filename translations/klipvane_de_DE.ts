@@ -1025,7 +1025,7 @@
     </message>
     <message>
         <location line="+4"/>
-        <location filename="../platform/model/Timeline/TimelineModel.cpp" line="+294"/>
+        <location filename="../platform/model/Timeline/TimelineModel.cpp" line="+297"/>
         <source>empty</source>
         <translation>leer</translation>
     </message>
@@ -1050,7 +1050,7 @@
         <translation>Gruppen zu tief verschachtelt</translation>
     </message>
     <message>
-        <location filename="../platform/model/Project/ProjectFile.cpp" line="+104"/>
+        <location filename="../platform/model/Project/ProjectFile.cpp" line="+126"/>
         <source>The project could not be written: %1</source>
         <translation>Das Projekt konnte nicht geschrieben werden: %1</translation>
     </message>
@@ -1070,7 +1070,7 @@
         <translation>Die Datei konnte nicht gelesen werden: %1</translation>
     </message>
     <message>
-        <location line="+15"/>
+        <location line="+18"/>
         <source>The file is larger than %1 MB; a project is never that large.</source>
         <translation>Die Datei ist größer als %1 MB; so groß ist ein Projekt nie.</translation>
     </message>
@@ -1080,7 +1080,7 @@
         <translation>Die Datei ist beschädigt oder unvollständig (%1 bei Byte %2).</translation>
     </message>
     <message>
-        <location line="+3"/>
+        <location line="+19"/>
         <source>The file is not a Klipvane project.</source>
         <translation>Die Datei ist kein Klipvane-Projekt.</translation>
     </message>
@@ -1100,18 +1100,18 @@
         <translation>weder „video“ noch „audio“</translation>
     </message>
     <message>
-        <location line="+17"/>
+        <location line="+19"/>
         <source>not an absolute path</source>
         <translation>kein absoluter Pfad</translation>
     </message>
     <message>
-        <location line="+32"/>
-        <location line="+3"/>
+        <location line="+28"/>
+        <location line="+13"/>
         <source>The project is damaged: %1</source>
         <translation>Das Projekt ist beschädigt: %1</translation>
     </message>
     <message>
-        <location filename="../platform/model/Project/Relink.cpp" line="+82"/>
+        <location filename="../platform/model/Project/Relink.cpp" line="+84"/>
         <source>The folder %1 could not be made.</source>
         <translation>Der Ordner %1 konnte nicht angelegt werden.</translation>
     </message>
@@ -1121,7 +1121,7 @@
         <translation>%1 konnte nicht kopiert werden: %2</translation>
     </message>
     <message>
-        <location filename="../platform/model/Serialize/JsonReader.cpp" line="+36"/>
+        <location filename="../platform/model/Serialize/JsonReader.cpp" line="+45"/>
         <source>missing</source>
         <translation>fehlt</translation>
     </message>
@@ -1185,7 +1185,7 @@
         <translation>Zeitleiste</translation>
     </message>
     <message>
-        <location line="+37"/>
+        <location line="+41"/>
         <source>&amp;File</source>
         <translation>&amp;Datei</translation>
     </message>
@@ -1662,12 +1662,12 @@
     <name>Timeline</name>
     <message>
         <location filename="../library/AppUtil/Editing/ClipAdjustments.cpp" line="-16"/>
-        <location filename="../platform/model/Timeline/TimelineModel.cpp" line="+1006"/>
+        <location filename="../platform/model/Timeline/TimelineModel.cpp" line="+1023"/>
         <source>Change %1</source>
         <translation>%1 ändern</translation>
     </message>
     <message>
-        <location filename="../platform/model/Timeline/TimelineModel.cpp" line="-921"/>
+        <location filename="../platform/model/Timeline/TimelineModel.cpp" line="-938"/>
         <source>Move clip</source>
         <translation>Clip verschieben</translation>
     </message>
@@ -1687,12 +1687,12 @@
         <translation>ein Projekt hat 1 bis 64 Spuren</translation>
     </message>
     <message>
-        <location line="+9"/>
+        <location line="+30"/>
         <source>two clips have the id &quot;%1&quot;</source>
         <translation>zwei Clips haben die ID „%1“</translation>
     </message>
     <message>
-        <location line="+2"/>
+        <location line="-20"/>
         <source>clip &quot;%1&quot; is on track %2, which does not exist</source>
         <translation>Clip „%1“ liegt auf Spur %2, die es nicht gibt</translation>
     </message>
@@ -1702,7 +1702,7 @@
         <translation>Clip „%1“ liegt auf einer Spur der falschen Art</translation>
     </message>
     <message>
-        <location line="+9"/>
+        <location line="+27"/>
         <source>clip &quot;%1&quot; belongs to a group that does not exist</source>
         <translation>Clip „%1“ gehört zu einer Gruppe, die es nicht gibt</translation>
     </message>
@@ -1892,6 +1892,24 @@
         <location line="+6"/>
         <source>Nothing is recorded.</source>
         <translation>Es wird nichts aufgezeichnet.</translation>
+    </message>
+    <message>
+        <location line="+8"/>
+        <source>basic</source>
+        <comment>usage recording level</comment>
+        <translation>grundlegend</translation>
+    </message>
+    <message>
+        <location line="+2"/>
+        <source>detailed</source>
+        <comment>usage recording level</comment>
+        <translation>ausführlich</translation>
+    </message>
+    <message>
+        <location line="+4"/>
+        <source>off</source>
+        <comment>usage recording level</comment>
+        <translation>aus</translation>
     </message>
     <message>
         <location line="+8"/>

@@ -20,6 +20,7 @@
 #include <QRadioButton>
 #include <QTableWidget>
 #include <QTemporaryDir>
+#include <QTranslator>
 #include <QtTest>
 
 #include "ModalAnswer.h"
@@ -332,6 +333,26 @@ private slots:
         QCOMPARE(rowsAfterDelete, 0);
         tracker.flush();
         QVERIFY(!readAll(tracker.logPath()).contains("zoomIn"));
+    }
+
+    // The status names the level in the user's language, not by the word the settings keep.
+    void usageDataStatusIsInTheUsersLanguage()
+    {
+        QTranslator german;
+        QVERIFY(german.load(qEnvironmentVariable("KLIPVANE_TEST_BIN_DIR") + QStringLiteral("/translations/klipvane_de_DE.qm")));
+        QCoreApplication::installTranslator(&german);
+        const auto uninstall = qScopeGuard([&] { QCoreApplication::removeTranslator(&german); });
+        UsageTracker tracker(logPath("german.jsonl"));
+        tracker.setLevel(UsageTracker::Level::Detailed, false);
+        QMainWindow window;
+        UsageUi::install(&window, &tracker);
+        QString status;
+        whenShown<UsageDataDialog>([&](UsageDataDialog* dialog) {
+            status = dialog->findChild<QLabel*>(QStringLiteral("usageDataStatus"))->text();
+            dialog->reject();
+        });
+        window.findChild<QAction*>(QStringLiteral("usageDataAction"))->trigger();
+        QVERIFY2(status.startsWith(QStringLiteral("Aufzeichnung: ausführlich.")), qPrintable(status));
     }
 
     // Real buttons of a parsed window reach the tracker; GUI work per click stays one record.
