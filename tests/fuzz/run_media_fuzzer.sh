@@ -22,7 +22,7 @@ stale() { [ ! -x "$1" ] || [ -n "$(find "$here/fuzz_media_open.cpp" "$src/Media"
 mkdir -p "$out/media_seeds" "$out/media_corpus" "$out/media_crashes"
 deps=$(pkg-config --cflags --libs Qt5Core libavformat libavcodec libavutil) || fail "pkg-config cannot find Qt5Core or FFmpeg"
 if stale "$out/fuzz_media_open" && ! "$cxx" -std=c++17 -g -O1 -fPIC -Wall -Wextra -I"$src" -fno-sanitize-recover=undefined \
-    -fsanitize=fuzzer,address,undefined "$here/fuzz_media_open.cpp" "$src/MediaReader/FFmpegReader.cpp" $deps \
+    -fsanitize=fuzzer,address,undefined "$here/fuzz_media_open.cpp" "$src/MediaReader/FFmpegReader.cpp" "$src/MediaReader/StreamAnalysis.cpp" $deps \
     -o "$out/fuzz_media_open" 2> "$out/media_build.log"; then
     cat "$out/media_build.log" >&2
     fail "'$cxx' cannot build a libFuzzer target; it needs clang and its runtime (Debian: clang and libclang-rt-dev; scripts/setup.sh installs both)."

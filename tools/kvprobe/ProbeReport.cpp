@@ -11,11 +11,15 @@
 
 namespace {
 
-QJsonArray paths(const std::set<const Media::File*>& files)
+// The files of SUBSET in the order they were given: the analysis keeps them by address,
+// which differs from run to run, and two reports of the same files must be the same.
+QJsonArray paths(const std::set<const Media::File*>& subset, const QList<const Media::File*>& order)
 {
     QJsonArray array;
-    for (const Media::File* file : files)
-        array.append(file->filePath());
+    for (const Media::File* file : order) {
+        if (subset.count(file))
+            array.append(file->filePath());
+    }
     return array;
 }
 
@@ -98,9 +102,9 @@ QJsonObject probeReport(const QList<const Media::File*>& files, const FileOpenHa
     for (const Media::File* file : files)
         entries.append(fileEntry(file));
     QJsonObject analysis{
-        {QStringLiteral("failedFiles"), paths(product.failedFiles)},
-        {QStringLiteral("failedUnsupportedCodecFiles"), paths(product.failedUnsupportedCodecFiles)},
-        {QStringLiteral("openedUnsupportedCodecFiles"), paths(product.openedUnsupportedCodecFiles)},
+        {QStringLiteral("failedFiles"), paths(product.failedFiles, files)},
+        {QStringLiteral("failedUnsupportedCodecFiles"), paths(product.failedUnsupportedCodecFiles, files)},
+        {QStringLiteral("openedUnsupportedCodecFiles"), paths(product.openedUnsupportedCodecFiles, files)},
         {QStringLiteral("hasHDR"), product.hasHDR},
     };
     QJsonObject report{

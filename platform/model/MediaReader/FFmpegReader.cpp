@@ -1,5 +1,6 @@
 // The FFmpeg-backed reader of the media model, built as a run-time loaded module.
 #include "Media/MediaReader_p.h"
+#include "MediaReader/StreamAnalysis.h"
 
 extern "C" {
 #include <libavcodec/avcodec.h>
@@ -203,7 +204,8 @@ public:
             return result;
         }
         std::unique_ptr<AVFormatContext, CloseInput> context(raw);
-        rc = avformat_find_stream_info(context.get(), nullptr);
+        Media::Reader::StreamAnalysis analysis;
+        rc = analysis.run(context.get());
         if (rc < 0 && context->nb_streams == 0) {
             result.error = codeOf(rc);
             result.errorMessage = describe(rc);
@@ -230,7 +232,7 @@ public:
                     track.pixelAspectX = aspect.num;
                     track.pixelAspectY = aspect.den;
                 }
-                const AVRational rate = av_guess_frame_rate(context.get(), stream, nullptr);
+                const AVRational rate = analysis.frameRate(context.get(), stream);
                 track.frameRate = rate.den > 0 ? av_q2d(rate) : 0.0;
                 track.bitRate = parameters->bit_rate;
                 if (parameters->color_trc != AVCOL_TRC_UNSPECIFIED)

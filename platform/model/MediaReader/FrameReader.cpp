@@ -1,6 +1,7 @@
 // The preview side of the reader module: exact frames of a file's picture track, played in
 // order or sought, rendered through libavfilter with the clip's effects.
 #include "Media/FrameReader_p.h"
+#include "MediaReader/StreamAnalysis.h"
 
 extern "C" {
 #include <libavcodec/avcodec.h>
@@ -71,7 +72,8 @@ public:
         if (rc < 0)
             return fail(error, describe(rc));
         m_input.reset(raw);
-        if ((rc = avformat_find_stream_info(raw, nullptr)) < 0 && raw->nb_streams == 0)
+        Media::Reader::StreamAnalysis analysis;
+        if ((rc = analysis.run(raw)) < 0 && raw->nb_streams == 0)
             return fail(error, describe(rc));
         for (unsigned i = 0; i < raw->nb_streams; ++i) {
             AVStream* stream = raw->streams[i];
@@ -99,7 +101,7 @@ public:
             m_durationUs = raw->duration;
         else if (m_stream->duration > 0)
             m_durationUs = av_rescale_q(m_stream->duration, m_stream->time_base, AVRational{1, 1000000});
-        const AVRational rate = av_guess_frame_rate(raw, m_stream, nullptr);
+        const AVRational rate = analysis.frameRate(raw, m_stream);
         m_frameRate = rate.num > 0 && rate.den > 0 ? av_q2d(rate) : 25.0;
         m_packet.reset(av_packet_alloc());
         m_current.reset(av_frame_alloc());

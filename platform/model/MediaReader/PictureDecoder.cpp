@@ -1,6 +1,7 @@
 // The picture side of the reader module: one representative frame of a video, or the
 // loudness of an audio file, for the thumbnail service (Media/Thumbnails.cpp).
 #include "Media/ThumbnailDecoder_p.h"
+#include "MediaReader/StreamAnalysis.h"
 
 extern "C" {
 #include <libavcodec/avcodec.h>
@@ -429,7 +430,7 @@ public:
         if (rc < 0)
             return failure(InputCorruptedOrMissing, describe(rc));
         Input input(raw);
-        rc = avformat_find_stream_info(input.get(), nullptr);
+        rc = Media::Reader::StreamAnalysis().run(input.get());
         if (rc < 0 && input->nb_streams == 0)
             return failure(InputCorruptedOrMissing, describe(rc));
 

@@ -545,6 +545,16 @@ private slots:
             QVERIFY(file["opened"].toBool() != file["failed"].toBool());
             QCOMPARE(file["error"].isString(), file["failed"].toBool());
         }
+        // Failed files are listed in the order they were given, whatever order they finished in.
+        QStringList given;
+        for (const QString& path : paths)
+            given << QFileInfo(path).absoluteFilePath();
+        int previous = -1;
+        for (const QJsonValue& failed : report["analysis"]["failedFiles"].toArray()) {
+            const int index = given.indexOf(failed.toString());
+            QVERIFY2(index > previous, qPrintable(failed.toString()));
+            previous = index;
+        }
     }
 };
 

@@ -1,0 +1,168 @@
+#include "MediaReader/StreamAnalysis.h"
+
+extern "C" {
+#include <libavcodec/avcodec.h>
+}
+
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <string>
+
+namespace Media {
+namespace Reader {
+
+namespace {
+
+struct FreeDecoder
+{
+    void operator()(AVCodecContext* decoder) const { avcodec_free_context(&decoder); }
+};
+struct FreePacket
+{
+    void operator()(AVPacket* packet) const { av_packet_free(&packet); }
+};
+
+// Refuses every picture buffer. A decoder asks for one only after it has read the picture's
+// headers and settled what it would output, which is all a probe needs; the picture itself
+// (the costly part of opening a file, 5 ms for 1080p) is never decoded.
+int refusePicture(AVCodecContext* decoder, AVFrame*, int)
+{
+    *static_cast<bool*>(decoder->opaque) = true;
+    return AVERROR(ECANCELED);
+}
+
+} // namespace
+
+std::optional<PictureHeader> StreamAnalysis::readPictureHeader(AVFormatContext* context, AVStream* stream)
+{
+    const AVCodecParameters* parameters = stream->codecpar;
+    const std::string demuxer = context->iformat->name ? context->iformat->name : "";
+    if (parameters->codec_type != AVMEDIA_TYPE_VIDEO || parameters->codec_id != AV_CODEC_ID_H264
+        || demuxer.compare(0, 4, "mov,") != 0 || !context->pb || (stream->disposition & AV_DISPOSITION_ATTACHED_PIC))
+        return std::nullopt;
+    const AVCodec* codec = avcodec_find_decoder(parameters->codec_id);
+    if (avformat_index_get_entries_count(stream) <= 0 || !codec || !(codec->capabilities & AV_CODEC_CAP_DR1))
+        return std::nullopt;
+    std::unique_ptr<AVCodecContext, FreeDecoder> decoder(avcodec_alloc_context3(codec));
+    std::unique_ptr<AVPacket, FreePacket> packet(av_packet_alloc());
+    bool settled = false;
+    if (!decoder || !packet || avcodec_parameters_to_context(decoder.get(), parameters) < 0)
+        return std::nullopt;
+    decoder->thread_count = 1;
+    decoder->get_buffer2 = &refusePicture;
+    decoder->opaque = &settled;
+    if (avcodec_open2(decoder.get(), codec, nullptr) < 0)
+        return std::nullopt;
+
+    // Only a first picture that is a key picture: it settles the headers as the analysis'
+    // own decoder would. A stream that starts otherwise, or whose first picture is damaged,
+    // is analysed the usual way. The demuxer seeks to each sample it reads, so borrowing its
+    // reader here leaves the analysis where it was; its position is put back all the same.
+    constexpr int64_t maxBytes = 64 << 20;
+    const AVIndexEntry* first = avformat_index_get_entry(stream, 0);
+    if (!first || !(first->flags & AVINDEX_KEYFRAME) || first->size <= 0 || first->size > maxBytes || first->pos < 0
+        || av_new_packet(packet.get(), first->size) < 0)
+        return std::nullopt;
+    const int64_t position = avio_tell(context->pb);
+    if (avio_seek(context->pb, first->pos, SEEK_SET) == first->pos
+        && avio_read(context->pb, packet->data, first->size) == first->size)
+        avcodec_send_packet(decoder.get(), packet.get()); // fails once the buffer is refused
+    avio_seek(context->pb, position, SEEK_SET);
+    if (!settled || decoder->pix_fmt == AV_PIX_FMT_NONE || decoder->width <= 0 || decoder->height <= 0)
+        return std::nullopt;
+
+    PictureHeader header;
+    header.format = decoder->pix_fmt;
+    header.width = decoder->width;
+    header.height = decoder->height;
+    header.aspect = decoder->sample_aspect_ratio;
+    header.range = decoder->color_range;
+    header.primaries = decoder->color_primaries;
+    header.transfer = decoder->color_trc;
+    header.space = decoder->colorspace;
+    header.chromaLocation = decoder->chroma_sample_location;
+    header.fieldOrder = decoder->field_order;
+    header.profile = decoder->profile;
+    header.level = decoder->level;
+    header.bitsPerSample = decoder->bits_per_raw_sample;
+    header.frameRate = decoder->framerate;
+    header.ticksPerFrame = decoder->ticks_per_frame;
+    return header;
+}
+
+namespace {
+
+// Hands a stream's header facts to the analysis, as its own decoder would have found them.
+void applyPictureHeader(AVCodecParameters* parameters, const PictureHeader& header)
+{
+    parameters->format = header.format;
+    parameters->width = header.width;
+    parameters->height = header.height;
+    parameters->sample_aspect_ratio = header.aspect;
+    parameters->color_range = header.range;
+    parameters->color_primaries = header.primaries;
+    parameters->color_trc = header.transfer;
+    parameters->color_space = header.space;
+    parameters->chroma_location = header.chromaLocation;
+    parameters->field_order = header.fieldOrder;
+    parameters->profile = header.profile;
+    parameters->level = header.level;
+    parameters->bits_per_raw_sample = header.bitsPerSample;
+}
+
+// KLIPVANE_FULL_STREAM_ANALYSIS=1 analyses every stream as FFmpeg's tools do: a way back
+// should a file ever be described differently, and the reference the benchmark measures.
+bool fullAnalysisWanted()
+{
+    const char* value = std::getenv("KLIPVANE_FULL_STREAM_ANALYSIS");
+    return value && std::strcmp(value, "1") == 0;
+}
+
+} // namespace
+
+int StreamAnalysis::run(AVFormatContext* context)
+{
+    m_headers.assign(context->nb_streams, std::nullopt);
+    static const bool full = fullAnalysisWanted();
+    if (full)
+        return avformat_find_stream_info(context, nullptr);
+    std::vector<AVDictionary*> options(context->nb_streams, nullptr);
+    bool anyHeader = false;
+    for (unsigned i = 0; i < context->nb_streams; ++i) {
+        m_headers[i] = readPictureHeader(context, context->streams[i]);
+        if (m_headers[i]) {
+            applyPictureHeader(context->streams[i]->codecpar, *m_headers[i]);
+            av_dict_set(&options[i], "skip_frame", "all", 0);
+            anyHeader = true;
+        }
+    }
+    const int rc = avformat_find_stream_info(context, anyHeader ? options.data() : nullptr);
+    for (AVDictionary*& dictionary : options)
+        av_dict_free(&dictionary);
+    return rc;
+}
+
+// A codec rate counts when the container gives none, or gives the field rate of
+// interlaced pictures.
+AVRational StreamAnalysis::frameRate(AVFormatContext* context, AVStream* stream) const
+{
+    const int index = stream->index;
+    if (index < 0 || size_t(index) >= m_headers.size() || !m_headers[size_t(index)])
+        return av_guess_frame_rate(context, stream, nullptr);
+    const std::optional<PictureHeader>& header = m_headers[size_t(index)];
+    AVRational rate = stream->r_frame_rate;
+    const AVRational average = stream->avg_frame_rate;
+    if (average.num > 0 && average.den > 0 && rate.num > 0 && rate.den > 0 && av_q2d(average) < 70 && av_q2d(rate) > 210)
+        rate = average;
+    const AVRational codec = header->frameRate;
+    if (header->ticksPerFrame > 1 && codec.num > 0 && codec.den > 0
+        && (rate.num == 0
+            || (av_q2d(codec) < av_q2d(rate) * 0.7 && std::fabs(1.0 - av_q2d(av_div_q(average, rate))) > 0.1)))
+        rate = codec;
+    return rate;
+}
+
+} // namespace Reader
+} // namespace Media
