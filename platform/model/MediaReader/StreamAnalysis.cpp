@@ -60,10 +60,12 @@ std::optional<PictureHeader> StreamAnalysis::readPictureHeader(AVFormatContext* 
     // own decoder would. A stream that starts otherwise, or whose first picture is damaged,
     // is analysed the usual way. The demuxer seeks to each sample it reads, so borrowing its
     // reader here leaves the analysis where it was; its position is put back all the same.
+    // A damaged index may claim any size: none beyond the file's end is believed.
     constexpr int64_t maxBytes = 64 << 20;
+    const int64_t fileSize = avio_size(context->pb);
     const AVIndexEntry* first = avformat_index_get_entry(stream, 0);
     if (!first || !(first->flags & AVINDEX_KEYFRAME) || first->size <= 0 || first->size > maxBytes || first->pos < 0
-        || av_new_packet(packet.get(), first->size) < 0)
+        || (fileSize > 0 && first->pos + first->size > fileSize) || av_new_packet(packet.get(), first->size) < 0)
         return std::nullopt;
     const int64_t position = avio_tell(context->pb);
     if (avio_seek(context->pb, first->pos, SEEK_SET) == first->pos
