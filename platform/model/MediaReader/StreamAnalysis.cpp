@@ -23,6 +23,10 @@ struct FreePacket
 {
     void operator()(AVPacket* packet) const { av_packet_free(&packet); }
 };
+struct FreeParameters
+{
+    void operator()(AVCodecParameters* parameters) const { avcodec_parameters_free(&parameters); }
+};
 
 // Refuses every picture buffer. A decoder asks for one only after it has read the picture's
 // headers and settled what it would output, which is all a probe needs; the picture itself
@@ -75,20 +79,11 @@ std::optional<PictureHeader> StreamAnalysis::readPictureHeader(AVFormatContext* 
     if (!settled || decoder->pix_fmt == AV_PIX_FMT_NONE || decoder->width <= 0 || decoder->height <= 0)
         return std::nullopt;
 
+    std::shared_ptr<AVCodecParameters> settledParameters(avcodec_parameters_alloc(), FreeParameters());
+    if (!settledParameters || avcodec_parameters_from_context(settledParameters.get(), decoder.get()) < 0)
+        return std::nullopt;
     PictureHeader header;
-    header.format = decoder->pix_fmt;
-    header.width = decoder->width;
-    header.height = decoder->height;
-    header.aspect = decoder->sample_aspect_ratio;
-    header.range = decoder->color_range;
-    header.primaries = decoder->color_primaries;
-    header.transfer = decoder->color_trc;
-    header.space = decoder->colorspace;
-    header.chromaLocation = decoder->chroma_sample_location;
-    header.fieldOrder = decoder->field_order;
-    header.profile = decoder->profile;
-    header.level = decoder->level;
-    header.bitsPerSample = decoder->bits_per_raw_sample;
+    header.parameters = std::move(settledParameters);
     header.frameRate = decoder->framerate;
     header.ticksPerFrame = decoder->ticks_per_frame;
     return header;
@@ -96,22 +91,23 @@ std::optional<PictureHeader> StreamAnalysis::readPictureHeader(AVFormatContext* 
 
 namespace {
 
-// Hands a stream's header facts to the analysis, as its own decoder would have found them.
-void applyPictureHeader(AVCodecParameters* parameters, const PictureHeader& header)
+// Hands the analysis what the stream's decoder settled from the headers, as its own
+// decoder would have found it; the rest (extradata, tags, rates) stays the container's.
+void applyPictureHeader(AVCodecParameters* parameters, const AVCodecParameters& settled)
 {
-    parameters->format = header.format;
-    parameters->width = header.width;
-    parameters->height = header.height;
-    parameters->sample_aspect_ratio = header.aspect;
-    parameters->color_range = header.range;
-    parameters->color_primaries = header.primaries;
-    parameters->color_trc = header.transfer;
-    parameters->color_space = header.space;
-    parameters->chroma_location = header.chromaLocation;
-    parameters->field_order = header.fieldOrder;
-    parameters->profile = header.profile;
-    parameters->level = header.level;
-    parameters->bits_per_raw_sample = header.bitsPerSample;
+    parameters->format = settled.format;
+    parameters->width = settled.width;
+    parameters->height = settled.height;
+    parameters->sample_aspect_ratio = settled.sample_aspect_ratio;
+    parameters->color_range = settled.color_range;
+    parameters->color_primaries = settled.color_primaries;
+    parameters->color_trc = settled.color_trc;
+    parameters->color_space = settled.color_space;
+    parameters->chroma_location = settled.chroma_location;
+    parameters->field_order = settled.field_order;
+    parameters->profile = settled.profile;
+    parameters->level = settled.level;
+    parameters->bits_per_raw_sample = settled.bits_per_raw_sample;
 }
 
 // KLIPVANE_FULL_STREAM_ANALYSIS=1 analyses every stream as FFmpeg's tools do: a way back
@@ -135,7 +131,7 @@ int StreamAnalysis::run(AVFormatContext* context)
     for (unsigned i = 0; i < context->nb_streams; ++i) {
         m_headers[i] = readPictureHeader(context, context->streams[i]);
         if (m_headers[i]) {
-            applyPictureHeader(context->streams[i]->codecpar, *m_headers[i]);
+            applyPictureHeader(context->streams[i]->codecpar, *m_headers[i]->parameters);
             av_dict_set(&options[i], "skip_frame", "all", 0);
             anyHeader = true;
         }

@@ -7,6 +7,7 @@ extern "C" {
 #include <libavformat/avformat.h>
 }
 
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -14,22 +15,10 @@ namespace Media {
 namespace Reader {
 
 // What an H.264 decoder settles from a stream's first picture headers: the output format,
-// the picture's size and aspect, its colours and the codec's frame rate.
+// the picture's size and aspect, its colours (all in PARAMETERS) and the codec's frame rate.
 struct PictureHeader
 {
-    AVPixelFormat format = AV_PIX_FMT_NONE;
-    int width = 0;
-    int height = 0;
-    AVRational aspect{0, 1};
-    AVColorRange range = AVCOL_RANGE_UNSPECIFIED;
-    AVColorPrimaries primaries = AVCOL_PRI_UNSPECIFIED;
-    AVColorTransferCharacteristic transfer = AVCOL_TRC_UNSPECIFIED;
-    AVColorSpace space = AVCOL_SPC_UNSPECIFIED;
-    AVChromaLocation chromaLocation = AVCHROMA_LOC_UNSPECIFIED;
-    AVFieldOrder fieldOrder = AV_FIELD_UNKNOWN;
-    int profile = FF_PROFILE_UNKNOWN;
-    int level = FF_LEVEL_UNKNOWN;
-    int bitsPerSample = 0;
+    std::shared_ptr<const AVCodecParameters> parameters;
     AVRational frameRate{0, 1};
     int ticksPerFrame = 1;
 };
