@@ -1,5 +1,6 @@
 // The FFmpeg-backed reader of the media model, built as a run-time loaded module.
 #include "Media/MediaReader_p.h"
+#include "MediaReader/LibavPointers.h"
 #include "MediaReader/StreamAnalysis.h"
 
 extern "C" {
@@ -175,11 +176,6 @@ bool isPictureDemuxer(const AVInputFormat* format)
         || (name.size() > suffix.size() && name.compare(name.size() - suffix.size(), suffix.size(), suffix) == 0);
 }
 
-struct CloseInput
-{
-    void operator()(AVFormatContext* context) const { avformat_close_input(&context); }
-};
-
 class FFmpegReader final : public Media::Reader::IMediaReader
 {
 public:
@@ -203,7 +199,7 @@ public:
             result.errorMessage = describe(rc);
             return result;
         }
-        std::unique_ptr<AVFormatContext, CloseInput> context(raw);
+        Media::Reader::Input context(raw);
         Media::Reader::StreamAnalysis analysis;
         rc = analysis.run(context.get());
         if (rc < 0 && context->nb_streams == 0) {

@@ -1,6 +1,7 @@
 // The preview side of the reader module: exact frames of a file's picture track, played in
 // order or sought, rendered through libavfilter with the clip's effects.
 #include "Media/FrameReader_p.h"
+#include "MediaReader/LibavPointers.h"
 #include "MediaReader/StreamAnalysis.h"
 
 extern "C" {
@@ -36,13 +37,8 @@ std::string describe(int averror)
     return text;
 }
 
-struct CloseInput { void operator()(AVFormatContext* c) const { avformat_close_input(&c); } };
-struct FreeCodec { void operator()(AVCodecContext* c) const { avcodec_free_context(&c); } };
-struct FreeFrame { void operator()(AVFrame* f) const { av_frame_free(&f); } };
-struct FreePacket { void operator()(AVPacket* p) const { av_packet_free(&p); } };
+using Media::Reader::Frame;
 struct FreeGraph { void operator()(AVFilterGraph* g) const { avfilter_graph_free(&g); } };
-
-using Frame = std::unique_ptr<AVFrame, FreeFrame>;
 
 struct Deadline
 {
@@ -342,10 +338,10 @@ private:
     };
 
     Deadline m_deadline;
-    std::unique_ptr<AVFormatContext, CloseInput> m_input;
+    Media::Reader::Input m_input;
     AVStream* m_stream = nullptr;
-    std::unique_ptr<AVCodecContext, FreeCodec> m_decoder;
-    std::unique_ptr<AVPacket, FreePacket> m_packet;
+    Media::Reader::Decoder m_decoder;
+    Media::Reader::Packet m_packet;
     Frame m_current;
     Frame m_next;
     qint64 m_currentPts = -1;

@@ -1,6 +1,7 @@
 // The picture side of the reader module: one representative frame of a video, or the
 // loudness of an audio file, for the thumbnail service (Media/Thumbnails.cpp).
 #include "Media/ThumbnailDecoder_p.h"
+#include "MediaReader/LibavPointers.h"
 #include "MediaReader/StreamAnalysis.h"
 
 extern "C" {
@@ -64,31 +65,15 @@ DecodedPicture failure(int code, std::string message)
     return result;
 }
 
-struct CloseInput
-{
-    void operator()(AVFormatContext* context) const { avformat_close_input(&context); }
-};
-struct FreeCodec
-{
-    void operator()(AVCodecContext* context) const { avcodec_free_context(&context); }
-};
-struct FreeFrame
-{
-    void operator()(AVFrame* frame) const { av_frame_free(&frame); }
-};
-struct FreePacket
-{
-    void operator()(AVPacket* packet) const { av_packet_free(&packet); }
-};
 struct FreeScaler
 {
     void operator()(SwsContext* context) const { sws_freeContext(context); }
 };
 
-using Input = std::unique_ptr<AVFormatContext, CloseInput>;
-using Decoder = std::unique_ptr<AVCodecContext, FreeCodec>;
-using Frame = std::unique_ptr<AVFrame, FreeFrame>;
-using Packet = std::unique_ptr<AVPacket, FreePacket>;
+using Media::Reader::Decoder;
+using Media::Reader::Frame;
+using Media::Reader::Input;
+using Media::Reader::Packet;
 
 Decoder openDecoder(const AVStream* stream, std::string& problem)
 {

@@ -1,5 +1,7 @@
 #include "MediaReader/StreamAnalysis.h"
 
+#include "MediaReader/LibavPointers.h"
+
 extern "C" {
 #include <libavcodec/avcodec.h>
 }
@@ -14,19 +16,6 @@ namespace Media {
 namespace Reader {
 
 namespace {
-
-struct FreeDecoder
-{
-    void operator()(AVCodecContext* decoder) const { avcodec_free_context(&decoder); }
-};
-struct FreePacket
-{
-    void operator()(AVPacket* packet) const { av_packet_free(&packet); }
-};
-struct FreeParameters
-{
-    void operator()(AVCodecParameters* parameters) const { avcodec_parameters_free(&parameters); }
-};
 
 // Refuses every picture buffer. A decoder asks for one only after it has read the picture's
 // headers and settled what it would output, which is all a probe needs; the picture itself
@@ -49,8 +38,8 @@ std::optional<PictureHeader> StreamAnalysis::readPictureHeader(AVFormatContext* 
     const AVCodec* codec = avcodec_find_decoder(parameters->codec_id);
     if (avformat_index_get_entries_count(stream) <= 0 || !codec || !(codec->capabilities & AV_CODEC_CAP_DR1))
         return std::nullopt;
-    std::unique_ptr<AVCodecContext, FreeDecoder> decoder(avcodec_alloc_context3(codec));
-    std::unique_ptr<AVPacket, FreePacket> packet(av_packet_alloc());
+    Decoder decoder(avcodec_alloc_context3(codec));
+    Packet packet(av_packet_alloc());
     bool settled = false;
     if (!decoder || !packet || avcodec_parameters_to_context(decoder.get(), parameters) < 0)
         return std::nullopt;

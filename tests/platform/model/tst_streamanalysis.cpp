@@ -2,6 +2,7 @@
 // its pictures must leave every file's parameters exactly as FFmpeg's own analysis does.
 #include "TestMedia.h"
 
+#include <MediaReader/LibavPointers.h>
 #include <MediaReader/StreamAnalysis.h>
 
 extern "C" {
@@ -18,16 +19,8 @@ using Media::Reader::StreamAnalysis;
 
 namespace {
 
-struct CloseInput
-{
-    void operator()(AVFormatContext* context) const { avformat_close_input(&context); }
-};
-using Input = std::unique_ptr<AVFormatContext, CloseInput>;
-struct FreePacket
-{
-    void operator()(AVPacket* packet) const { av_packet_free(&packet); }
-};
-using Packet = std::unique_ptr<AVPacket, FreePacket>;
+using Media::Reader::Input;
+using Media::Reader::Packet;
 
 Input openInput(const QString& path)
 {
