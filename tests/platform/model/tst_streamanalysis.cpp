@@ -121,6 +121,11 @@ private slots:
             << make("interlaced.mp4", h264 + QStringList{"-pix_fmt", "yuv420p", "-flags", "+ildct+ilme"}) << true;
         QTest::newRow("H.264 cropped to odd lines")
             << make("odd.mp4", h264 + QStringList{"-vf", "crop=318:178", "-pix_fmt", "yuv420p"}) << true;
+        QTest::newRow("H.264 fragmented")
+            << make("fragmented.mp4", h264 + QStringList{"-pix_fmt", "yuv420p", "-movflags", "frag_keyframe+empty_moov"})
+            << true;
+        QTest::newRow("H.264 parameter sets in the stream")
+            << make("avc3.mp4", h264 + QStringList{"-pix_fmt", "yuv420p", "-tag:v", "avc3"}) << true;
         QTest::newRow("H.264 in Matroska") << make("h264.mkv", h264 + QStringList{"-pix_fmt", "yuv420p"}) << false;
         QTest::newRow("H.265") << TestMedia::path("h265_aac.mp4") << false;
         QTest::newRow("sound only") << TestMedia::path("audio.m4a") << false;
