@@ -36,6 +36,7 @@ using Input = std::unique_ptr<AVFormatContext, CloseInput>;
 using Decoder = std::unique_ptr<AVCodecContext, FreeDecoder>;
 using Frame = std::unique_ptr<AVFrame, FreeFrame>;
 using Packet = std::unique_ptr<AVPacket, FreePacket>;
+using Parameters = std::unique_ptr<AVCodecParameters, FreeParameters>;
 
 } // namespace Reader
 } // namespace Media

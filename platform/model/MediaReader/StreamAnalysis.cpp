@@ -1,15 +1,8 @@
 #include "MediaReader/StreamAnalysis.h"
 
-#include "MediaReader/LibavPointers.h"
-
-extern "C" {
-#include <libavcodec/avcodec.h>
-}
-
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
-#include <memory>
 #include <string>
 
 namespace Media {
@@ -35,7 +28,8 @@ std::optional<PictureHeader> StreamAnalysis::readPictureHeader(AVFormatContext* 
     if (parameters->codec_type != AVMEDIA_TYPE_VIDEO || parameters->codec_id != AV_CODEC_ID_H264
         || demuxer.compare(0, 4, "mov,") != 0 || !context->pb || (stream->disposition & AV_DISPOSITION_ATTACHED_PIC))
         return std::nullopt;
-    const AVCodec* codec = avcodec_find_decoder(parameters->codec_id);
+    // The decoder FFmpeg's analysis itself uses for H.264, whatever else is registered.
+    const AVCodec* codec = avcodec_find_decoder_by_name("h264");
     if (avformat_index_get_entries_count(stream) <= 0 || !codec || !(codec->capabilities & AV_CODEC_CAP_DR1))
         return std::nullopt;
     Decoder decoder(avcodec_alloc_context3(codec));
@@ -68,11 +62,10 @@ std::optional<PictureHeader> StreamAnalysis::readPictureHeader(AVFormatContext* 
     if (!settled || decoder->pix_fmt == AV_PIX_FMT_NONE || decoder->width <= 0 || decoder->height <= 0)
         return std::nullopt;
 
-    std::shared_ptr<AVCodecParameters> settledParameters(avcodec_parameters_alloc(), FreeParameters());
-    if (!settledParameters || avcodec_parameters_from_context(settledParameters.get(), decoder.get()) < 0)
-        return std::nullopt;
     PictureHeader header;
-    header.parameters = std::move(settledParameters);
+    header.parameters.reset(avcodec_parameters_alloc());
+    if (!header.parameters || avcodec_parameters_from_context(header.parameters.get(), decoder.get()) < 0)
+        return std::nullopt;
     header.frameRate = decoder->framerate;
     header.ticksPerFrame = decoder->ticks_per_frame;
     return header;
@@ -111,7 +104,8 @@ bool fullAnalysisWanted()
 
 int StreamAnalysis::run(AVFormatContext* context)
 {
-    m_headers.assign(context->nb_streams, std::nullopt);
+    m_headers.clear();
+    m_headers.resize(context->nb_streams);
     static const bool full = fullAnalysisWanted();
     if (full)
         return avformat_find_stream_info(context, nullptr);

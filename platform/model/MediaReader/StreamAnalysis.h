@@ -2,12 +2,8 @@
 // thumbnails' picture decoder and the preview's frame reader.
 #pragma once
 
-extern "C" {
-#include <libavcodec/avcodec.h>
-#include <libavformat/avformat.h>
-}
+#include "MediaReader/LibavPointers.h"
 
-#include <memory>
 #include <optional>
 #include <vector>
 
@@ -18,7 +14,7 @@ namespace Reader {
 // the picture's size and aspect, its colours (all in PARAMETERS) and the codec's frame rate.
 struct PictureHeader
 {
-    std::shared_ptr<const AVCodecParameters> parameters;
+    Parameters parameters;
     AVRational frameRate{0, 1};
     int ticksPerFrame = 1;
 };
@@ -26,7 +22,7 @@ struct PictureHeader
 // avformat_find_stream_info without its costliest part. FFmpeg's analysis of an H.264
 // stream decodes its first pictures (seven when it has no B-frames, as most cameras' and
 // phones' footage) to learn the pixel format and the decoder's delay. In an indexed container
-// the first pictures' bytes are known before the analysis, so their headers are read here
+// the first picture's bytes are known before the analysis, so its headers are read here
 // through the same decoder, without decoding the picture, and the analysis then skips every
 // picture of that stream. Other codecs, and containers without an index, are analysed as
 // FFmpeg's tools do. What the analysis leaves in the streams' parameters is the same either
@@ -40,7 +36,7 @@ public:
     // own decoder skipped the pictures that would have told it.
     AVRational frameRate(AVFormatContext* context, AVStream* stream) const;
 
-    // The headers of a stream's first pictures, if its codec and container allow reading
+    // The headers of a stream's first picture, if its codec and container allow reading
     // them ahead of the analysis.
     static std::optional<PictureHeader> readPictureHeader(AVFormatContext* context, AVStream* stream);
 
