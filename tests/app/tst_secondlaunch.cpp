@@ -261,7 +261,16 @@ private slots:
                 expected << files[i];
         }
         QVERIFY(next);
-        QVERIFY(QTest::qWaitFor([&] { return next->added().size() >= expected.size(); }, 15000));
+        if (!QTest::qWaitFor([&] { return next->added().size() >= expected.size(); }, 15000)) {
+            // Which files the editor that runs now is missing, and what it logged meanwhile.
+            QStringList missing = expected;
+            for (const QString& added : next->added())
+                missing.removeOne(added);
+            QFAIL(qPrintable(QStringLiteral("missing %1 of %2: %3\n%4")
+                                 .arg(missing.size())
+                                 .arg(expected.size())
+                                 .arg(missing.join(QStringLiteral(", ")), QString::fromUtf8(next->log().right(4000)))));
+        }
         QStringList added = next->added();
         std::sort(added.begin(), added.end());
         std::sort(expected.begin(), expected.end());
