@@ -244,6 +244,12 @@ private slots:
         primary->kill();
         QVERIFY(primary->waitForFinished());
         QVERIFY(QTest::qWaitFor([&] { return finished() >= count - 1; }, 45000));
+        // The launch still running is the editor that took over, or, when every launch had
+        // handed its file to the old editor before the kill, one that is still ending.
+        for (const auto& launched : launches) {
+            if (launched->running() && !launched->waitForLog(" listening") && launched->running())
+                QVERIFY(launched->waitForFinished());
+        }
         Editor* next = nullptr;
         QStringList expected;
         for (int i = 0; i < count; ++i) {
@@ -260,7 +266,10 @@ private slots:
             if (!toOldEditor.match(handed.first()).hasMatch())
                 expected << files[i];
         }
-        QVERIFY(next);
+        if (!next) {
+            QVERIFY2(expected.isEmpty(), qPrintable(expected.join(QStringLiteral(", "))));
+            return;
+        }
         if (!QTest::qWaitFor([&] { return next->added().size() >= expected.size(); }, 15000)) {
             // Which files the editor that runs now is missing, and what it logged meanwhile.
             QStringList missing = expected;
