@@ -71,6 +71,9 @@ ReaderModule& readerModule()
         module.reader = create();
         readerLoaded = module.reader != nullptr;
         LOG(INFO) << "Media reader loaded from " << path.toStdString();
+        // The reader reads the variable itself; said here so a log shows how files were opened.
+        if (qEnvironmentVariable("KLIPVANE_FULL_STREAM_ANALYSIS") == QLatin1String("1"))
+            LOG(INFO) << "Media reader: FFmpeg's full stream analysis for every file (KLIPVANE_FULL_STREAM_ANALYSIS=1)";
     });
     return module;
 }
